@@ -1,0 +1,15 @@
+// The one place that chooses the NEON implementation: the compiler's own on
+// AArch64, SIMDe's portable translation everywhere else. Every NEON kernel
+// includes this header and nothing else for its intrinsics, so the same
+// source is built and tested on both.
+#ifndef ZEL_NEON_NEON_COMPAT_H_
+#define ZEL_NEON_NEON_COMPAT_H_
+
+#if defined(__aarch64__)
+#include <arm_neon.h>
+#else
+#define SIMDE_ENABLE_NATIVE_ALIASES
+#include <simde/arm/neon.h>
+#endif
+
+#endif  // ZEL_NEON_NEON_COMPAT_H_
