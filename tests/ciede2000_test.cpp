@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <random>
 
 namespace {
 
@@ -15,80 +14,6 @@ uint32_t bitsOf(float f) {
   uint32_t u;
   std::memcpy(&u, &f, sizeof u);
   return u;
-}
-
-const double kPi = std::acos(-1.0);
-const double kDeg = kPi / 180.0;
-
-// Textbook CIEDE2000 in double with exact constants: the cross-check for
-// everything except the last bits. `hueGap` receives |h1' - h2'|.
-double referenceDeltaE(double l1, double a1, double b1, double l2, double a2,
-                       double b2, double* hueGap) {
-  const double pow25 = std::pow(25.0, 7);
-  const double cBar = (std::hypot(a1, b1) + std::hypot(a2, b2)) / 2;
-  const double g =
-      0.5 * (1 - std::sqrt(std::pow(cBar, 7) / (std::pow(cBar, 7) + pow25)));
-  const double a1p = (1 + g) * a1, a2p = (1 + g) * a2;
-  const double c1p = std::hypot(a1p, b1), c2p = std::hypot(a2p, b2);
-  auto hue = [](double b, double a) {
-    if (a == 0 && b == 0) return 0.0;
-    const double h = std::atan2(b, a);
-    return h < 0 ? h + 2 * kPi : h;
-  };
-  const double h1 = hue(b1, a1p), h2 = hue(b2, a2p);
-  *hueGap = std::fabs(h1 - h2);
-  const double product = c1p * c2p;
-  double dh = 0;
-  if (product != 0) {
-    dh = h2 - h1;
-    if (dh > kPi) dh -= 2 * kPi;
-    if (dh < -kPi) dh += 2 * kPi;
-  }
-  const double dL = l2 - l1, dC = c2p - c1p;
-  const double dH = 2 * std::sqrt(product) * std::sin(dh / 2);
-  const double lBar = (l1 + l2) / 2, cBarP = (c1p + c2p) / 2;
-  double hBar;
-  if (product == 0) {
-    hBar = h1 + h2;
-  } else if (std::fabs(h1 - h2) <= kPi) {
-    hBar = (h1 + h2) / 2;
-  } else if (h1 + h2 < 2 * kPi) {
-    hBar = (h1 + h2 + 2 * kPi) / 2;
-  } else {
-    hBar = (h1 + h2 - 2 * kPi) / 2;
-  }
-  const double t = 1 - 0.17 * std::cos(hBar - 30 * kDeg) +
-                   0.24 * std::cos(2 * hBar) +
-                   0.32 * std::cos(3 * hBar + 6 * kDeg) -
-                   0.20 * std::cos(4 * hBar - 63 * kDeg);
-  const double q = (hBar - 275 * kDeg) / (25 * kDeg);
-  const double dTheta = 30 * kDeg * std::exp(-q * q);
-  const double rC =
-      2 * std::sqrt(std::pow(cBarP, 7) / (std::pow(cBarP, 7) + pow25));
-  const double lOff2 = (lBar - 50) * (lBar - 50);
-  const double sL = 1 + 0.015 * lOff2 / std::sqrt(20 + lOff2);
-  const double sC = 1 + 0.045 * cBarP;
-  const double sH = 1 + 0.015 * cBarP * t;
-  const double rT = -std::sin(2 * dTheta) * rC;
-  const double tl = dL / sL, tc = dC / sC, th = dH / sH;
-  return std::sqrt(tl * tl + tc * tc + th * th + rT * tc * th);
-}
-
-// Textbook sRGB (D65) to CIELAB in double.
-void referenceLab(double r, double g, double b, double out[3]) {
-  auto lin = [](double v) {
-    return v > 0.04045 ? std::pow((v + 0.055) / 1.055, 2.4) : v / 12.92;
-  };
-  const double R = lin(r), G = lin(g), B = lin(b);
-  const double x = (0.412453 * R + 0.35758 * G + 0.180423 * B) / 0.95047;
-  const double y = 0.212671 * R + 0.71516 * G + 0.072169 * B;
-  const double z = (0.019334 * R + 0.119193 * G + 0.950227 * B) / 1.08883;
-  auto f = [](double t) {
-    return t > 0.008856 ? std::cbrt(t) : 7.787 * t + 16.0 / 116.0;
-  };
-  out[0] = y > 0.008856 ? 116 * f(y) - 16 : 903.3 * y;
-  out[1] = 500 * (f(x) - f(y));
-  out[2] = 200 * (f(y) - f(z));
 }
 
 struct PublishedPair {
@@ -185,52 +110,22 @@ TEST(CIEDE2000Difference, NeutralColoursGiveLightnessTermOnly) {
   EXPECT_EQ(CIEDE2000::CIEDE2000({30, 0, 0}, {70, 0, 0}), 40.0f);
 }
 
-// Away from the pi discontinuity of the mean hue, the float arithmetic stays
-// within a few parts in 10^6 of the exact formula; swapping the arguments
-// changes no bit.
-TEST(CIEDE2000Difference, AgreesWithDoubleReferenceAndIsSymmetric) {
-  std::mt19937 rng(2005);
-  std::uniform_real_distribution<float> lightness(0, 100), axis(-128, 127);
-  int compared = 0;
-  for (int i = 0; i < 4000; ++i) {
-    const LAB x{lightness(rng), axis(rng), axis(rng)};
-    const LAB y{lightness(rng), axis(rng), axis(rng)};
-    double hueGap;
-    const double want = referenceDeltaE(x.l, x.a, x.b, y.l, y.a, y.b, &hueGap);
-    if (std::fabs(hueGap - kPi) < 1e-3) continue;
-    const float got = CIEDE2000::CIEDE2000(x, y);
-    ASSERT_NEAR(got, want, 2e-5 * std::max(1.0, want))
-        << "(" << x.l << ", " << x.a << ", " << x.b << ") vs (" << y.l << ", "
-        << y.a << ", " << y.b << ")";
-    ASSERT_EQ(bitsOf(got), bitsOf(CIEDE2000::CIEDE2000(y, x)));
-    ++compared;
+// White keeps a small a*, b* because the white point and the matrix rows do
+// not match exactly; black is exact because every f(t) is 0.137931f.
+TEST(RGB2Lab, WhiteBlackAndRed) {
+  const struct {
+    float r, g, b;
+    double l, a, bStar, tolerance;
+  } cases[] = {{1, 1, 1, 100, -0.00244, 0.00465, 5e-6},
+               {0, 0, 0, 0, 0, 0, 0},
+               {1, 0, 0, 53.2406, 80.0923, 67.2027, 5e-5}};
+  for (const auto& c : cases) {
+    float l, a, b;
+    CIEDE2000::RGB2Lab(c.r, c.g, c.b, l, a, b);
+    EXPECT_NEAR(l, c.l, c.tolerance) << c.r << ", " << c.g << ", " << c.b;
+    EXPECT_NEAR(a, c.a, c.tolerance) << c.r << ", " << c.g << ", " << c.b;
+    EXPECT_NEAR(b, c.bStar, c.tolerance) << c.r << ", " << c.g << ", " << c.b;
   }
-  EXPECT_GT(compared, 3500);
-}
-
-TEST(RGB2Lab, WhiteIsFullLightnessWithTheMatrixResidue) {
-  float l, a, b;
-  CIEDE2000::RGB2Lab(1, 1, 1, l, a, b);
-  EXPECT_EQ(l, 100.0f);
-  EXPECT_NEAR(a, -0.00244, 5e-6);
-  EXPECT_NEAR(b, 0.00465, 5e-6);
-}
-
-// Every f(t) of black is the same 0.137931f, so the differences are 0.
-TEST(RGB2Lab, BlackIsExactlyZero) {
-  float l = -1, a = -1, b = -1;
-  CIEDE2000::RGB2Lab(0, 0, 0, l, a, b);
-  EXPECT_EQ(bitsOf(l), bitsOf(0.0f));
-  EXPECT_EQ(bitsOf(a), bitsOf(0.0f));
-  EXPECT_EQ(bitsOf(b), bitsOf(0.0f));
-}
-
-TEST(RGB2Lab, Red) {
-  float l, a, b;
-  CIEDE2000::RGB2Lab(1, 0, 0, l, a, b);
-  EXPECT_NEAR(l, 53.2406, 5e-5);
-  EXPECT_NEAR(a, 80.0923, 5e-5);
-  EXPECT_NEAR(b, 67.2027, 5e-5);
 }
 
 // Only green is set, so L* = 903.3f * y with y = (float)(G * 0.71516) and
@@ -259,24 +154,6 @@ TEST(RGB2Lab, CompandingThresholdIsStrictlyGreaterInDouble) {
 
   CIEDE2000::RGB2Lab(0, above, 0, l, a, b);
   EXPECT_EQ(bitsOf(l), bitsOf(lightnessFromLinear(powerBranch(above))));
-}
-
-TEST(RGB2Lab, AgreesWithDoubleReferenceOverEightBitGrid) {
-  for (int r = 0; r <= 255; r += 15) {
-    for (int g = 0; g <= 255; g += 15) {
-      for (int b = 0; b <= 255; b += 15) {
-        const float rf = r / 255.0f, gf = g / 255.0f, bf = b / 255.0f;
-        float lab[3];
-        double want[3];
-        CIEDE2000::RGB2Lab(rf, gf, bf, lab[0], lab[1], lab[2]);
-        referenceLab(rf, gf, bf, want);
-        for (int c = 0; c < 3; ++c) {
-          ASSERT_NEAR(lab[c], want[c], 1e-4)
-              << "channel " << c << " of " << r << ", " << g << ", " << b;
-        }
-      }
-    }
-  }
 }
 
 }  // namespace

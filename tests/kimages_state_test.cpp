@@ -5,42 +5,21 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 #include "src/KImages.h"
 
-// Array allocations are recorded while a test arms the log, so the tests
-// see exactly which lengths init asks for (and that it asks for none when
-// it refuses a size). Replacing the global array forms is the only way to
-// see a buffer's length from outside.
+// The global array new is replaced so the tests see exactly which lengths
+// init asks for, and that it asks for none when it refuses a size.
 namespace {
-
-struct ArrayNewLog {
-  bool armed = false;
-  int count = 0;
-  std::size_t sizes[8] = {};
-};
-ArrayNewLog gArrayNew;
-
-class RecordArrayNew {
- public:
-  RecordArrayNew() {
-    gArrayNew = ArrayNewLog{};
-    gArrayNew.armed = true;
-  }
-  ~RecordArrayNew() { gArrayNew.armed = false; }
-  RecordArrayNew(const RecordArrayNew&) = delete;
-  RecordArrayNew& operator=(const RecordArrayNew&) = delete;
-};
-
+bool gRecording = false;
+std::size_t gRequested[8];
+int gRequestCount = 0;
 }  // namespace
 
 void* operator new[](std::size_t size) {
-  if (gArrayNew.armed && gArrayNew.count < 8) {
-    gArrayNew.sizes[gArrayNew.count++] = size;
-  }
-  if (void* p = std::malloc(size == 0 ? 1 : size)) {
-    return p;
-  }
+  if (gRecording && gRequestCount < 8) gRequested[gRequestCount++] = size;
+  if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
   throw std::bad_alloc();
 }
 void operator delete[](void* p) noexcept { std::free(p); }
@@ -48,14 +27,25 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
-InitParamData initParam(int32_t width, int32_t height, int32_t widthInBytes,
-                        IMAGE_FORMAT_TYPE format) {
+// Runs init with array allocations recorded; returns the lengths asked for.
+std::vector<std::size_t> recordInit(KImages& engine, int32_t width,
+                                    int32_t height, int32_t widthInBytes,
+                                    IMAGE_FORMAT_TYPE format, int* result) {
   InitParamData param{};
   param.width = width;
   param.height = height;
   param.widthInBytes = widthInBytes;
   param.format = format;
-  return param;
+  gRequestCount = 0;
+  gRecording = true;
+  try {
+    *result = engine.init(&param);
+  } catch (...) {
+    gRecording = false;
+    throw;
+  }
+  gRecording = false;
+  return std::vector<std::size_t>(gRequested, gRequested + gRequestCount);
 }
 
 bool allZero(const void* data, std::size_t bytes) {
@@ -71,175 +61,108 @@ TEST(KImagesState, StartsWithDefaultsAndNoBuffers) {
   EXPECT_EQ(engine.m_colorNum, 3);
   EXPECT_EQ(engine.m_maxColorNum, 20);
   EXPECT_EQ(engine.m_bytesPerSample, 1);
-  EXPECT_EQ(engine.m_downWidth, 0);
-  EXPECT_EQ(engine.m_downHeight, 0);
-  EXPECT_EQ(engine.m_downStride, 0);
-  EXPECT_EQ(engine.m_downRows, 0);
+  EXPECT_EQ(engine.m_downWidth | engine.m_downHeight | engine.m_downStride |
+                engine.m_downRows | engine.m_rowCount,
+            0);
   EXPECT_EQ(engine.m_downImage, nullptr);
   EXPECT_EQ(engine.m_points, nullptr);
   EXPECT_EQ(engine.m_clusters, nullptr);
   EXPECT_EQ(engine.m_KMeansEngine, nullptr);
   EXPECT_EQ(engine.m_observer, nullptr);
-  EXPECT_EQ(engine.m_rowCount, 0);
 }
 
-struct SizeCase {
-  int32_t width, height, widthInBytes;
-  IMAGE_FORMAT_TYPE format;
-  int32_t w, h, stride, bytesPerSample;
-};
-
-// Expected sizes worked by hand: width / 32, halved again when the width
-// counts 16-bit samples in bytes, then rounded down to even.
-TEST(KImagesInit, WorkingSizeIsOneThirtySecondRoundedDownToEven) {
-  const SizeCase cases[] = {
-      {4000, 3000, 0, IMAGE_FORMAT_NV21, 124, 92, 124, 1},
-      {4000, 3000, 1, IMAGE_FORMAT_NV21, 124, 92, 124, 1},
-      {4000, 3000, 0, IMAGE_FORMAT_YUV420SP_10BIT, 124, 92, 248, 2},
-      {4000, 3000, 1, IMAGE_FORMAT_YUV420SP_10BIT, 62, 92, 124, 2},
-      {100, 100, 0, IMAGE_FORMAT_NV12, 2, 2, 2, 1},
-      {1920, 1080, 0, IMAGE_FORMAT_NV21, 60, 32, 60, 1},
-      {1920, 1080, 0, IMAGE_FORMAT_RESERVED10, 60, 32, 60, 1},
+// Worked by hand: w = width / 32, halved again when the width counts 16-bit
+// samples in bytes, then rounded down to even; h likewise without halving.
+// The frame is (3 * w * h / 2) * bytes per sample; points are 12 bytes.
+TEST(KImagesInit, SizesAndAllocatesZeroFilledBuffers) {
+  const struct {
+    int32_t width, height, widthInBytes;
+    IMAGE_FORMAT_TYPE format;
+    int32_t w, h, stride;
+    std::size_t frameBytes;
+  } cases[] = {
+      {4000, 3000, 0, IMAGE_FORMAT_NV21, 124, 92, 124, 17112},
+      {4000, 3000, 1, IMAGE_FORMAT_NV21, 124, 92, 124, 17112},
+      {4000, 3000, 0, IMAGE_FORMAT_YUV420SP_10BIT, 124, 92, 248, 34224},
+      {4000, 3000, 1, IMAGE_FORMAT_YUV420SP_10BIT, 62, 92, 124, 17112},
+      {100, 100, 0, IMAGE_FORMAT_NV12, 2, 2, 2, 6},
+      {1920, 1080, 0, IMAGE_FORMAT_RESERVED10, 60, 32, 60, 2880},
+      // Below 64 pixels the working size is 0 and init still succeeds.
+      {63, 40, 0, IMAGE_FORMAT_NV21, 0, 0, 0, 0},
+      // Two negative sizes give a positive product, allocated as it is.
+      {-4000, -3000, 0, IMAGE_FORMAT_NV21, -126, -94, -126, 17766},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::Message()
                  << c.width << "x" << c.height << " format " << c.format
                  << " bytes " << c.widthInBytes);
     KImages engine;
-    InitParamData param =
-        initParam(c.width, c.height, c.widthInBytes, c.format);
-    ASSERT_EQ(engine.init(&param), 0);
+    int result = -1;
+    const auto requested = recordInit(engine, c.width, c.height, c.widthInBytes,
+                                      c.format, &result);
+    ASSERT_EQ(result, 0);
     EXPECT_EQ(engine.m_downWidth, c.w);
     EXPECT_EQ(engine.m_downHeight, c.h);
     EXPECT_EQ(engine.m_downRows, c.h);
     EXPECT_EQ(engine.m_downStride, c.stride);
-    EXPECT_EQ(engine.m_bytesPerSample, c.bytesPerSample);
-  }
-}
-
-// 124 x 92 working pixels: 17,112 bytes of 8-bit frame (twice that for
-// 16-bit samples), 11,408 points of 12 bytes, 20 centres.
-TEST(KImagesInit, AllocatesZeroFilledBuffersOfTheWorkingSize) {
-  struct Case {
-    IMAGE_FORMAT_TYPE format;
-    std::size_t frameBytes;
-  } cases[] = {{IMAGE_FORMAT_NV21, 17112},
-               {IMAGE_FORMAT_YUV420SP_10BIT, 34224}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.format);
-    KImages engine;
-    InitParamData param = initParam(4000, 3000, 0, c.format);
-    {
-      RecordArrayNew record;
-      ASSERT_EQ(engine.init(&param), 0);
-    }
-    ASSERT_EQ(gArrayNew.count, 3);
-    EXPECT_EQ(gArrayNew.sizes[0], c.frameBytes);
-    EXPECT_EQ(gArrayNew.sizes[1], 11408 * sizeof(_Point));
-    EXPECT_EQ(gArrayNew.sizes[2], 20 * sizeof(_Point));
+    EXPECT_EQ(engine.m_bytesPerSample, c.stride == c.w ? 1 : 2);
+    const std::size_t pointBytes = std::size_t(c.w * c.h) * sizeof(_Point);
+    const std::vector<std::size_t> expected = {c.frameBytes, pointBytes,
+                                               20 * sizeof(_Point)};
+    EXPECT_EQ(requested, expected);
     EXPECT_TRUE(allZero(engine.m_downImage.get(), c.frameBytes));
-    EXPECT_TRUE(allZero(engine.m_points.get(), 11408 * sizeof(_Point)));
+    EXPECT_TRUE(allZero(engine.m_points.get(), pointBytes));
     EXPECT_TRUE(allZero(engine.m_clusters.get(), 20 * sizeof(_Point)));
+    // Constructed only; its own init installs clusters once per frame.
     ASSERT_NE(engine.m_KMeansEngine, nullptr);
-    // Constructed only: its own init (which installs clusters) is per frame.
     EXPECT_EQ(engine.m_KMeansEngine->m_clusters, nullptr);
   }
 }
 
-// Below 64 pixels the working size is 0; init still succeeds and the first
-// frame fails in the resize instead.
-TEST(KImagesInit, TinyFrameGivesEmptyWorkingSizeWithoutFailing) {
-  KImages engine;
-  InitParamData param = initParam(63, 40, 0, IMAGE_FORMAT_NV21);
-  {
-    RecordArrayNew record;
-    ASSERT_EQ(engine.init(&param), 0);
+// 2097152 / 32 = 65536 each way: 3 * w * h is 3 * 2^32, 0 in 32 bits, and
+// a zero-length frame behind a huge working size is refused. -4000 / 32 is
+// -125, even -126: a negative frame length. Neither allocates anything.
+TEST(KImagesInit, WrappedOrNegativeSizesThrowWithoutAllocating) {
+  const struct {
+    int32_t width, height, w;
+  } cases[] = {{2097152, 2097152, 65536}, {-4000, 3000, -126}};
+  for (const auto& c : cases) {
+    KImages engine;
+    int result = -1;
+    EXPECT_THROW(
+        recordInit(engine, c.width, c.height, 0, IMAGE_FORMAT_NV21, &result),
+        std::bad_array_new_length)
+        << c.width << "x" << c.height;
+    EXPECT_EQ(gRequestCount, 0);
+    EXPECT_EQ(engine.m_downWidth, c.w);
+    EXPECT_EQ(engine.m_downImage, nullptr);
   }
-  EXPECT_EQ(engine.m_downWidth, 0);
-  EXPECT_EQ(engine.m_downHeight, 0);
-  ASSERT_EQ(gArrayNew.count, 3);
-  EXPECT_EQ(gArrayNew.sizes[0], 0u);
-  EXPECT_EQ(gArrayNew.sizes[1], 0u);
-  EXPECT_NE(engine.m_downImage, nullptr);
-  EXPECT_NE(engine.m_points, nullptr);
-  EXPECT_NE(engine.m_clusters, nullptr);
-  EXPECT_NE(engine.m_KMeansEngine, nullptr);
-}
-
-// 65536 x 65536 working pixels: 3*w*h is 3 * 2^32, which is 0 in 32 bits.
-// Allocating that would leave a zero-length frame behind a huge working
-// size, so nothing is allocated.
-TEST(KImagesInit, SizeThatWrapsIn32BitsThrowsWithoutAllocating) {
-  KImages engine;
-  InitParamData param = initParam(2097152, 2097152, 0, IMAGE_FORMAT_NV21);
-  {
-    RecordArrayNew record;
-    EXPECT_THROW(engine.init(&param), std::bad_array_new_length);
-  }
-  EXPECT_EQ(gArrayNew.count, 0);
-  EXPECT_EQ(engine.m_downWidth, 65536);
-  EXPECT_EQ(engine.m_downImage, nullptr);
-}
-
-// -4000 / 32 = -125, even: -126. The frame length is negative, and array
-// new refuses a negative count before allocating anything.
-TEST(KImagesInit, NegativeWidthThrows) {
-  KImages engine;
-  InitParamData param = initParam(-4000, 3000, 0, IMAGE_FORMAT_NV21);
-  {
-    RecordArrayNew record;
-    EXPECT_THROW(engine.init(&param), std::bad_array_new_length);
-  }
-  EXPECT_EQ(gArrayNew.count, 0);
-  EXPECT_EQ(engine.m_downWidth, -126);
-}
-
-// Two negative sizes multiply to a positive length, which is allocated as
-// it stands: w = -126, h = -94, 3*w*h/2 = 17,766 bytes, 11,844 points.
-TEST(KImagesInit, TwoNegativeSizesAllocateTheirPositiveProduct) {
-  KImages engine;
-  InitParamData param = initParam(-4000, -3000, 0, IMAGE_FORMAT_NV21);
-  {
-    RecordArrayNew record;
-    ASSERT_EQ(engine.init(&param), 0);
-  }
-  EXPECT_EQ(engine.m_downWidth, -126);
-  EXPECT_EQ(engine.m_downHeight, -94);
-  ASSERT_EQ(gArrayNew.count, 3);
-  EXPECT_EQ(gArrayNew.sizes[0], 17766u);
-  EXPECT_EQ(gArrayNew.sizes[1], 11844 * sizeof(_Point));
 }
 
 TEST(KImagesInit, SecondInitReplacesEveryBuffer) {
   KImages engine;
-  InitParamData large = initParam(4000, 3000, 0, IMAGE_FORMAT_NV21);
-  ASSERT_EQ(engine.init(&large), 0);
+  int result = -1;
+  recordInit(engine, 4000, 3000, 0, IMAGE_FORMAT_NV21, &result);
+  ASSERT_EQ(result, 0);
   engine.m_downImage[0] = 7;
   engine.m_points[0].r = 1.0f;
   engine.m_clusters[0].g = 2.0f;
-  const void* oldFrame = engine.m_downImage.get();
-  const void* oldPoints = engine.m_points.get();
-  const void* oldClusters = engine.m_clusters.get();
-  const void* oldEngine = engine.m_KMeansEngine.get();
+  const void* old[] = {engine.m_downImage.get(), engine.m_points.get(),
+                       engine.m_clusters.get(), engine.m_KMeansEngine.get()};
 
-  InitParamData hd = initParam(1920, 1080, 0, IMAGE_FORMAT_NV21);
-  {
-    RecordArrayNew record;
-    ASSERT_EQ(engine.init(&hd), 0);
-  }
-  EXPECT_EQ(engine.m_downWidth, 60);
-  EXPECT_EQ(engine.m_downHeight, 32);
-  ASSERT_EQ(gArrayNew.count, 3);
-  EXPECT_EQ(gArrayNew.sizes[0], 2880u);
-  EXPECT_EQ(gArrayNew.sizes[1], 1920 * sizeof(_Point));
+  const auto requested =
+      recordInit(engine, 1920, 1080, 0, IMAGE_FORMAT_NV21, &result);
+  ASSERT_EQ(result, 0);
+  EXPECT_EQ(requested, (std::vector<std::size_t>{2880, 1920 * sizeof(_Point),
+                                                 20 * sizeof(_Point)}));
   // Each new buffer is made while the old one is still held.
-  EXPECT_NE(engine.m_downImage.get(), oldFrame);
-  EXPECT_NE(engine.m_points.get(), oldPoints);
-  EXPECT_NE(engine.m_clusters.get(), oldClusters);
-  EXPECT_NE(engine.m_KMeansEngine.get(), oldEngine);
-  EXPECT_TRUE(allZero(engine.m_downImage.get(), 2880));
-  EXPECT_TRUE(allZero(engine.m_points.get(), 1920 * sizeof(_Point)));
-  EXPECT_TRUE(allZero(engine.m_clusters.get(), 20 * sizeof(_Point)));
+  EXPECT_NE(engine.m_downImage.get(), old[0]);
+  EXPECT_NE(engine.m_points.get(), old[1]);
+  EXPECT_NE(engine.m_clusters.get(), old[2]);
+  EXPECT_NE(engine.m_KMeansEngine.get(), old[3]);
+  EXPECT_EQ(engine.m_downImage[0], 0);
+  EXPECT_EQ(engine.m_points[0].r, 0.0f);
+  EXPECT_EQ(engine.m_clusters[0].g, 0.0f);
 }
 
 TEST(KImagesParameters, ColourCountIsClamped) {
@@ -251,25 +174,8 @@ TEST(KImagesParameters, ColourCountIsClamped) {
   for (const auto& c : cases) {
     engine.setParameters(c.requested);
     EXPECT_EQ(engine.m_colorNum, c.expected) << "requested " << c.requested;
-    EXPECT_EQ(engine.m_maxColorNum, 20);
   }
-}
-
-TEST(KImagesState, UninitKeepsBuffersAndObserverIsInstalledAndRemoved) {
-  struct NullObserver : KImagesObserver {
-    void onPaletteCanvas(const uint8_t*, int, int, int) override {}
-    void onPaletteRows(const int*, int, int) override {}
-  } observer;
-  KImages engine;
-  InitParamData param = initParam(1920, 1080, 0, IMAGE_FORMAT_NV21);
-  ASSERT_EQ(engine.init(&param), 0);
-  EXPECT_EQ(engine.uninit(), 0);
-  EXPECT_NE(engine.m_points, nullptr);
-
-  engine.setObserver(&observer);
-  EXPECT_EQ(engine.m_observer, &observer);
-  engine.setObserver(nullptr);
-  EXPECT_EQ(engine.m_observer, nullptr);
+  EXPECT_EQ(engine.m_maxColorNum, 20);
 }
 
 }  // namespace
