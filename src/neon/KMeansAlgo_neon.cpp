@@ -28,8 +28,8 @@ void logPrint(int level, const char* format, ...) {
 // pass as "farther than any centre".
 constexpr int kFarByte = 100;
 
-// The longest run of passes: the counter goes 0 ... 501.
-constexpr int kLastPass = 500;
+// A pass counter above this ends the loop, so at most 502 passes run.
+constexpr int kMaxPassCounter = 500;
 
 // Distance the stop test uses: weighted 2:4:3, with the red square doubled
 // by adding it to itself.
@@ -160,7 +160,7 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       if (shift > largestShift) largestShift = shift;
     }
 
-    if (pass > kLastPass || largestShift < m_threshold) break;
+    if (pass > kMaxPassCounter || largestShift < m_threshold) break;
     for (int i = 0; i < k; ++i) m_clusters[i].points.clear();
     ++pass;
   }
