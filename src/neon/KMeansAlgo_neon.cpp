@@ -1,6 +1,5 @@
 #include "src/neon/KMeansAlgo_neon.h"
 
-#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdarg>
@@ -29,8 +28,8 @@ void logPrint(int level, const char* format, ...) {
 // pass as "farther than any centre".
 constexpr int kFarByte = 100;
 
-// The longest run of passes: the counter goes 0 ... 501.
-constexpr int kLastPass = 500;
+// A pass counter above this ends the loop, so at most 502 passes run.
+constexpr int kMaxPassCounter = 500;
 
 // Distance the stop test uses: weighted 2:4:3, with the red square doubled
 // by adding it to itself.
@@ -128,7 +127,6 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
   const std::unique_ptr<int[]> labels(new int[count]);
   const std::unique_ptr<float[]> nearest(new float[count]);
   std::vector<_Point> centres(k > 0 ? k : 0);
-  std::vector<int> members(centres.size());
 
   int pass = 0;
   while (true) {
@@ -142,16 +140,16 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
     pavona::internal::assignNearest_NEON(points, count, centres.data(), k,
                                          nearest.get(), labels.get());
 
-    if (k > 0) {
-      // Size every list once, then append in sample order.
-      std::fill(members.begin(), members.end(), 0);
-      for (int j = 0; j < count; ++j) ++members[labels[j]];
-      for (int i = 0; i < k; ++i) {
-        m_clusters[i].points.reserve(1 + members[i]);
-      }
-      for (int j = 0; j < count; ++j) {
-        m_clusters[labels[j]].points.push_back(points[j]);
-      }
+    // Append in sample order, a run of equal labels at a time: neighbouring
+    // samples mostly share a cluster. Without clusters no list takes them.
+    const int members = k > 0 ? count : 0;
+    for (int j = 0; j < members;) {
+      const int label = labels[j];
+      int end = j + 1;
+      while (end < members && labels[end] == label) ++end;
+      std::vector<_Point>& list = m_clusters[label].points;
+      list.insert(list.end(), points + j, points + end);
+      j = end;
     }
 
     float largestShift = FLT_MIN;
@@ -162,7 +160,7 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       if (shift > largestShift) largestShift = shift;
     }
 
-    if (pass > kLastPass || largestShift < m_threshold) break;
+    if (pass > kMaxPassCounter || largestShift < m_threshold) break;
     for (int i = 0; i < k; ++i) m_clusters[i].points.clear();
     ++pass;
   }
