@@ -1,9 +1,38 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <vector>
 
+#include "zel/cpp/imgproc/copyMakeBorder.h"
 #include "zel/cpp/memory/copyRect.h"
+
+// Array allocations are counted while a test arms the counter, and the one
+// numbered gFailAt (from 1) throws: the border kernel's allocations are
+// observable only from here.
+namespace {
+bool gArmed = false;
+int gArrayNews = 0;
+int gLiveArrays = 0;
+int gFailAt = 0;
+}  // namespace
+
+void* operator new[](std::size_t size) {
+  if (gArmed) {
+    if (++gArrayNews == gFailAt) throw std::bad_alloc();
+    ++gLiveArrays;
+  }
+  if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
+  throw std::bad_alloc();
+}
+
+void operator delete[](void* p) noexcept {
+  if (gArmed && p != nullptr) --gLiveArrays;
+  std::free(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept { operator delete[](p); }
 
 namespace {
 
@@ -124,6 +153,127 @@ TEST(CopyRect, NegativeStrideOnOneSideFlipsBlock) {
   EXPECT_EQ(0, copyRect_v00<uint8_t>(bottomUp, both.data() + (h - 1) * w, w, h,
                                      -w, -w, 0, 0, 0, 0));
   EXPECT_EQ(both, buffer);
+}
+
+// The 70 x 110 frame round a 40 x 30 interior.
+constexpr int kSrcW = 40;
+constexpr int kSrcH = 30;
+constexpr int kTop = 15;
+constexpr int kBottom = 65;
+constexpr int kLeft = 15;
+constexpr int kRight = 15;
+constexpr int kDstW = kSrcW + kLeft + kRight;
+constexpr int kDstH = kSrcH + kTop + kBottom;
+constexpr uint8_t kUntouched = 0x5A;
+
+bool inInterior(int x, int r) {
+  return x >= kLeft && x < kLeft + kSrcW && r >= kTop && r < kTop + kSrcH;
+}
+
+int paintFrame(uint8_t* dst, int stride, const uint8_t* value) {
+  return zel::cpp::imgproc::internal_copyMakeBorder_v01::
+      copyMakeBorder_v01_impl<uint8_t, 3, 1, zel::BORDER_CONSTANT>(
+          nullptr, dst, kSrcW, kSrcH, kDstW, kDstH, kSrcW * 3, stride, kTop,
+          kBottom, kLeft, kRight, value);
+}
+
+// Frame pixels hold `frame`, interior pixels and row padding `kUntouched`.
+void expectFrame(const std::vector<uint8_t>& dst, int stride,
+                 const uint8_t frame[3]) {
+  for (int r = 0; r < kDstH; ++r) {
+    for (int i = 0; i < stride; ++i) {
+      const int x = i / 3;
+      const uint8_t want =
+          x >= kDstW || inInterior(x, r) ? kUntouched : frame[i % 3];
+      ASSERT_EQ(dst[r * stride + i], want) << "row " << r << " element " << i;
+    }
+  }
+}
+
+TEST(BorderKernel, PaintsFrameAndLeavesInterior) {
+  const uint8_t white[3] = {255, 255, 255};
+  const uint8_t colour[3] = {10, 20, 30};
+  const uint8_t black[3] = {0, 0, 0};
+  const int stride = kDstW * 3 + 6;
+  for (const uint8_t* value :
+       {white, colour, static_cast<const uint8_t*>(nullptr)}) {
+    std::vector<uint8_t> dst(stride * kDstH, kUntouched);
+    // The source is never read: a null one does no harm.
+    EXPECT_EQ(0, paintFrame(dst.data(), stride, value));
+    expectFrame(dst, stride, value == nullptr ? black : value);
+  }
+}
+
+struct ArmAllocations {
+  explicit ArmAllocations(int failAt) {
+    gArrayNews = 0;
+    gLiveArrays = 0;
+    gFailAt = failAt;
+    gArmed = true;
+  }
+  ~ArmAllocations() { gArmed = false; }
+};
+
+TEST(BorderKernel, FreesTemplateRowAndTable) {
+  const uint8_t white[3] = {255, 255, 255};
+  std::vector<uint8_t> dst(kDstW * 3 * kDstH, kUntouched);
+  {
+    ArmAllocations armed(0);
+    EXPECT_EQ(0, paintFrame(dst.data(), kDstW * 3, white));
+  }
+  EXPECT_EQ(gArrayNews, 2);
+  EXPECT_EQ(gLiveArrays, 0);
+
+  for (int failAt : {1, 2}) {
+    SCOPED_TRACE(failAt);
+    std::vector<uint8_t> untouched(dst.size(), kUntouched);
+    {
+      ArmAllocations armed(failAt);
+      EXPECT_THROW(paintFrame(untouched.data(), kDstW * 3, white),
+                   std::bad_alloc);
+    }
+    EXPECT_EQ(gLiveArrays, 0);
+    EXPECT_EQ(untouched, std::vector<uint8_t>(dst.size(), kUntouched));
+  }
+}
+
+int copyAndFrame(const uint8_t* src, uint8_t* dst, int srcStride, int dstStride,
+                 const uint8_t* value) {
+  return zel::cpp::imgproc::copyMakeBorder_v01<uint8_t, 3, 1,
+                                               zel::BORDER_CONSTANT>(
+      src, dst, kSrcW, kSrcH, srcStride, dstStride, kTop, kBottom, kLeft,
+      kRight, value);
+}
+
+TEST(CopyMakeBorder, CopiesInteriorAtOffsetAndFrames) {
+  const uint8_t white[3] = {255, 255, 255};
+  const std::vector<uint8_t> src = pattern(kSrcW * 3 * kSrcH);
+  std::vector<uint8_t> dst(kDstW * 3 * kDstH, kUntouched);
+  EXPECT_EQ(0, copyAndFrame(src.data(), dst.data(), 0, 0, white));
+  for (int r = 0; r < kDstH; ++r) {
+    for (int i = 0; i < kDstW * 3; ++i) {
+      const int x = i / 3;
+      const uint8_t want =
+          inInterior(x, r)
+              ? src[(r - kTop) * kSrcW * 3 + (x - kLeft) * 3 + i % 3]
+              : 255;
+      ASSERT_EQ(dst[r * kDstW * 3 + i], want) << "row " << r << " " << i;
+    }
+  }
+
+  // A destination given bottom-up is normalised to the same memory.
+  std::vector<uint8_t> bottomUp(dst.size(), kUntouched);
+  EXPECT_EQ(
+      0, copyAndFrame(src.data(), bottomUp.data() + (kDstH - 1) * kDstW * 3, 0,
+                      -kDstW * 3, white));
+  EXPECT_EQ(bottomUp, dst);
+}
+
+TEST(CopyMakeBorder, FailedCopyPaintsNothing) {
+  const uint8_t white[3] = {255, 255, 255};
+  std::vector<uint8_t> dst(kDstW * 3 * kDstH, kUntouched);
+  EXPECT_EQ(769, copyAndFrame(nullptr, dst.data(), 0, 0, white));
+  EXPECT_EQ(dst, std::vector<uint8_t>(dst.size(), kUntouched));
 }
 
 }  // namespace
