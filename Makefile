@@ -1,8 +1,14 @@
 # Drives the CMake presets; all build logic lives in CMakeLists.txt.
 SHELL := /bin/bash
 TEST_PRESETS := release asan aarch64
+# Seconds each fuzz target runs in `make fuzz`, and in the smoke run of
+# `make test`.
+FUZZ_SECONDS ?= 60
+FUZZ_SMOKE_SECONDS ?= 5
+# Frames each of the soak's two handles processes in `make soak`.
+SOAK_FRAMES ?= 40000
 
-.PHONY: all deps demo test bench format clean
+.PHONY: all deps demo test fuzz soak bench format clean
 
 all: demo
 
@@ -25,8 +31,26 @@ test: deps
 	    failed+=($$p); \
 	  fi; \
 	done; \
+	echo "=== tsan: configure, build and the thread suite"; \
+	{ cmake --preset tsan >/dev/null && cmake --build --preset tsan && \
+	  ctest --preset tsan; } || failed+=(tsan); \
+	echo "=== fuzz: configure, build, corpora and a $(FUZZ_SMOKE_SECONDS)s run of each target"; \
+	{ scripts/install-deps fuzz && cmake --preset fuzz >/dev/null && \
+	  cmake --build --preset fuzz && ctest --preset fuzz && \
+	  fuzz/run.sh build/fuzz $(FUZZ_SMOKE_SECONDS); } || failed+=(fuzz); \
 	if [ $${#failed[@]} -ne 0 ]; then echo "FAILED presets: $${failed[*]}"; exit 1; fi; \
-	echo "All presets passed: $(TEST_PRESETS)"
+	echo "All presets passed: $(TEST_PRESETS) tsan fuzz"
+
+fuzz: deps
+	@scripts/install-deps fuzz
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz
+	@fuzz/run.sh build/fuzz $(FUZZ_SECONDS)
+
+soak: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target soak_test
+	@PAVONA_SOAK_FRAMES=$(SOAK_FRAMES) build/release/tests/soak_test
 
 format:
 	@git ls-files '*.c' '*.h' '*.cpp' | xargs clang-format -i
