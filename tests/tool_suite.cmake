@@ -1,0 +1,10 @@
+# The pavona tool's tests: its input and output stages linked directly, and
+# the built binary run as a subprocess. Only where the tool is built.
+if(NOT TARGET pavona_tool_io)
+  return()
+endif()
+
+pavona_add_suite(tool_test tool_io_test.cpp)
+target_link_libraries(tool_test PRIVATE pavona_tool_io)
+target_compile_definitions(tool_test PRIVATE
+  PAVONA_SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples")
