@@ -4,7 +4,9 @@ if(NOT TARGET pavona_tool_io)
   return()
 endif()
 
-pavona_add_suite(tool_test tool_io_test.cpp)
-target_link_libraries(tool_test PRIVATE pavona_tool_io)
+find_package(nlohmann_json REQUIRED)
+pavona_add_suite(tool_test tool_io_test.cpp tool_cli_test.cpp)
+target_link_libraries(tool_test PRIVATE pavona_tool_cli
+  nlohmann_json::nlohmann_json)
 target_compile_definitions(tool_test PRIVATE
   PAVONA_SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples")
