@@ -1,5 +1,6 @@
 #include "tools/pavona/raw_frame.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -36,9 +37,12 @@ YuvFrame rawFrameFromBytes(std::vector<uint8_t> bytes, const RawLayout& layout,
     throw ToolError(std::to_string(have) + " bytes, but " + describe(layout) +
                     " needs " + std::to_string(needed));
   }
-  if (have > needed && note != nullptr) {
-    *note = std::to_string(have - needed) + " bytes more than " +
-            describe(layout) + "; the rest is ignored";
+  // Dumps often pad the last row too; only more than that is worth a word.
+  const int64_t padded =
+      int64_t{effectiveStride(layout)} * (int64_t{layout.height} * 3 / 2);
+  if (have > std::max(needed, padded) && note != nullptr) {
+    *note = std::to_string(have - std::max(needed, padded)) +
+            " bytes more than " + describe(layout) + "; the rest is ignored";
   }
   YuvFrame frame;
   frame.format = layout.format;

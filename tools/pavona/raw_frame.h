@@ -26,7 +26,8 @@ int64_t rawFrameBytes(const RawLayout& layout);
 
 // Wraps the bytes as a frame, keeping the stride so the plug-in sees the
 // rows as the camera laid them out. Throws ToolError when `bytes` is too
-// short; `note` receives a remark when it is longer than one frame.
+// short; `note` receives a remark when it is longer than one frame with
+// its last row padded to the stride.
 YuvFrame rawFrameFromBytes(std::vector<uint8_t> bytes, const RawLayout& layout,
                            std::string* note);
 
