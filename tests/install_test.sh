@@ -46,7 +46,8 @@ done
 # shellcheck disable=SC2086 # word splitting of the flags is intended
 cc ${CFLAGS:-} -Wall -Wextra -Werror \
   -DPAVONA_LIBRARY_PATH="\"$prefix/lib/libPavona.so\"" \
-  "$source/tools/host-example.c" -o "$work/pc_example" $flags ${LDFLAGS:-} -ldl
+  "$source/tools/host-example.c" -o "$work/pc_example" $flags ${LDFLAGS:-} -ldl \
+  -Wl,-rpath,"$prefix/lib"
 out=$("$work/pc_example")
 [[ $out == "$expected" ]] || fail "pkg-config-built example printed '$out'"
 echo "install_test: CMake package and pkg-config file work from $prefix"
