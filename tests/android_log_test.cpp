@@ -13,9 +13,11 @@ using pavona::testing::captureOutput;
 using ::testing::HasSubstr;
 
 TEST(AndroidLog, RecordCarriesTagFunctionAndLine) {
-  const int line = __LINE__ + 1;
-  auto captured =
-      captureOutput([] { PAVONA_ALOG_AS("init", "m_points init failed!\n"); });
+  int line = 0;
+  auto captured = captureOutput([&] {
+    line = __LINE__ + 1;
+    PAVONA_ALOG_AS("init", "m_points init failed!\n");
+  });
   EXPECT_EQ(captured.out, "");
   EXPECT_THAT(captured.err, HasSubstr("pavona"));
   EXPECT_THAT(captured.err, HasSubstr("[init][" + std::to_string(line) +

@@ -1,0 +1,105 @@
+#include "src/KImages.h"
+
+#include <cstdint>
+#include <memory>
+#include <new>
+
+#include "api/android_log.h"
+
+namespace {
+
+// Sizes are defined as 32-bit products. A product that has wrapped in 32
+// bits would allocate less than the working size needs, so it is refused.
+int32_t to32(int64_t exact) {
+  const auto wrapped =
+      static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(exact)));
+  if (wrapped != exact) {
+    throw std::bad_array_new_length();
+  }
+  return wrapped;
+}
+
+// A negative length (from negative init sizes) is refused the way array new
+// refuses it; array new of bytes would instead read it as a huge size.
+int32_t arrayLength(int64_t exact) {
+  const int32_t length = to32(exact);
+  if (length < 0) {
+    throw std::bad_array_new_length();
+  }
+  return length;
+}
+
+// ((3 * w * h) / 2) * bytesPerSample, each step in 32 bits. The working
+// sizes are at most 2^26 in magnitude, so every step is exact in 64 bits.
+int32_t downImageBytes(int32_t w, int32_t h, int32_t bytesPerSample) {
+  const int32_t threeWH = to32(int64_t{3} * w * h);
+  return arrayLength(int64_t{threeWH / 2} * bytesPerSample);
+}
+
+}  // namespace
+
+KImages::KImages()
+    : m_colorNum(3),
+      m_maxColorNum(20),
+      m_bytesPerSample(1),
+      m_downWidth(0),
+      m_downHeight(0),
+      m_downStride(0),
+      m_downRows(0),
+      m_observer(nullptr),
+      m_rowCluster{},
+      m_rowCount(0) {}
+
+KImages::~KImages() = default;
+
+int KImages::init(InitParamData* pInitParam) {
+  m_bytesPerSample = pInitParam->format == IMAGE_FORMAT_YUV420SP_10BIT ? 2 : 1;
+  int32_t w = pInitParam->width / 32;
+  if (pInitParam->widthInBytes != 0) {
+    w /= m_bytesPerSample;
+  }
+  w &= ~1;
+  const int32_t h = (pInitParam->height / 32) & ~1;
+
+  m_downStride = w * m_bytesPerSample;
+  m_downRows = h;
+  m_downWidth = w;
+  m_downHeight = h;
+
+  m_downImage =
+      std::make_unique<uint8_t[]>(downImageBytes(w, h, m_bytesPerSample));
+  if (!m_downImage) {
+    PAVONA_ALOGE("m_downImage init failed!\n");
+    return 1;
+  }
+  m_points = std::make_unique<_Point[]>(arrayLength(int64_t{w} * h));
+  if (!m_points) {
+    PAVONA_ALOGE("m_points init failed!\n");
+    return 1;
+  }
+  m_clusters = std::make_unique<_Point[]>(m_maxColorNum);
+  if (!m_clusters) {
+    PAVONA_ALOGE("m_clusters init failed!\n");
+    return 1;
+  }
+  m_KMeansEngine = std::make_unique<KMeansAlgo>();
+  if (!m_KMeansEngine) {
+    PAVONA_ALOGE("m_KMeansEngine init failed!\n");
+    return 1;
+  }
+  return 0;
+}
+
+void KImages::setParameters(int colorNum) {
+  if (colorNum > m_maxColorNum) {
+    m_colorNum = m_maxColorNum;
+  } else if (colorNum < 1) {
+    m_colorNum = 3;
+  } else {
+    m_colorNum = colorNum;
+  }
+}
+
+int KImages::uninit() { return 0; }
+
+void KImages::setObserver(KImagesObserver* observer) { m_observer = observer; }

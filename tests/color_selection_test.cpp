@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "src/KImages.h"
+
+namespace {
+
+constexpr float kUnwritten = -77.0f;
+
+struct Row {
+  float r, g, b, figure;
+};
+
+// An engine whose palette rows all start as a marker, so rows the call
+// leaves alone are visible.
+class ColorChosen : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    InitParamData param{};
+    param.width = 64;
+    param.height = 64;
+    ASSERT_EQ(engine_.init(&param), 0);
+    for (auto& row : record_.palette) std::fill(row, row + 4, kUnwritten);
+  }
+
+  void run(std::initializer_list<_Point> centres, IMAGE_FORMAT_TYPE format) {
+    engine_.setParameters(static_cast<int>(centres.size()));
+    std::copy(centres.begin(), centres.end(), engine_.m_clusters.get());
+    engine_.colorChosen(record_.palette, format);
+  }
+
+  void expectRow(int n, Row want) {
+    const float* row = record_.palette[n];
+    EXPECT_EQ(row[0], want.r) << "row " << n;
+    EXPECT_EQ(row[1], want.g) << "row " << n;
+    EXPECT_EQ(row[2], want.b) << "row " << n;
+    EXPECT_EQ(row[3], want.figure) << "row " << n;
+  }
+
+  void expectUnwrittenFrom(int first) {
+    for (int n = first; n < PAVONA_MAX_COLORS; ++n) {
+      expectRow(n, {kUnwritten, kUnwritten, kUnwritten, kUnwritten});
+    }
+  }
+
+  KImages engine_;
+  ProcessParamData record_{};
+};
+
+// One centre: distinctness 0, row 0. Figures are (min + max) * 10 / 51.
+// - (200, 100, 100): t = 300/255, l ~ 0.588, sat ~ 0.476, so the factor is
+//   0.25 about mid = 150; every step lands exactly on these floats.
+// - grey: no chroma, left alone.
+// - (255, 0, 0): l = 0.5, sat = 1, factor 1/1 - 1 = 0.
+// - (100, 0, 0): l ~ 0.196 < 0.5, so sat = d / t = 1 and it stays (the
+//   other form, d / (2 - t), would give 0.24 and change it).
+// - Other formats have scale 1: (255, 0, 0) has l = 127.5 and sat < 0, so
+//   the factor is 0.25 about mid = 127.5.
+TEST_F(ColorChosen, SingleCentreWorkedExamples) {
+  const struct {
+    _Point centre;
+    IMAGE_FORMAT_TYPE format;
+    Row want;
+  } cases[] = {
+      {{200, 100, 100}, IMAGE_FORMAT_NV21, {212.5f, 87.5f, 87.5f, 58.82353f}},
+      {{80, 80, 80}, IMAGE_FORMAT_NV12, {80, 80, 80, 1600.0f / 51.0f}},
+      {{255, 0, 0}, IMAGE_FORMAT_NV21, {255, 0, 0, 50}},
+      {{100, 0, 0}, IMAGE_FORMAT_NV12, {100, 0, 0, 1000.0f / 51.0f}},
+      {{255, 0, 0},
+       IMAGE_FORMAT_RESERVED10,
+       {286.875f, -31.875f, -31.875f, 50}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::Message()
+                 << c.centre.r << ", " << c.centre.g << ", " << c.centre.b);
+    run({c.centre}, c.format);
+    expectRow(0, c.want);
+    EXPECT_EQ(engine_.m_rowCount, 1);
+    EXPECT_EQ(engine_.m_rowCluster[0], 0);
+    expectUnwrittenFrom(1);
+  }
+}
+
+// 10-bit: the figure is still (min + max) * 10 / 51 and passes 100. The
+// saturation of (1000, 600, 600) over 1024 is ~0.89, raised to full: the
+// largest channel reaches the scale, 1024 (1023 with a scale of 1023).
+TEST_F(ColorChosen, TenBitUsesScale1024AndFigureExceeds100) {
+  run({{1000, 600, 600}}, IMAGE_FORMAT_YUV420SP_10BIT);
+  const float* row = record_.palette[0];
+  EXPECT_NEAR(row[0], 1024.0, 1e-3);
+  EXPECT_NEAR(row[1], 576.0, 1e-3);
+  EXPECT_EQ(row[1], row[2]);
+  EXPECT_EQ(row[3], 16000.0f / 51.0f);
+}
+
+// Neutral centres differ only in L*: black 0, (10, 10, 10) ~ 2.742 (linear
+// branch), white 100. With S_L from the mean lightness, black-grey ~ 1.59,
+// black-white = 100, grey-white ~ 96.68: the sums rank white (~196.7),
+// black (~101.6), grey (~98.3).
+TEST_F(ColorChosen, RowsFollowDescendingDistinctness) {
+  run({{0, 0, 0}, {10, 10, 10}, {255, 255, 255}}, IMAGE_FORMAT_NV21);
+  expectRow(0, {255, 255, 255, 100});
+  expectRow(1, {0, 0, 0, 0});
+  expectRow(2, {10, 10, 10, 200.0f / 51.0f});
+  ASSERT_EQ(engine_.m_rowCount, 3);
+  EXPECT_EQ(engine_.m_rowCluster[0], 2);
+  EXPECT_EQ(engine_.m_rowCluster[1], 0);
+  EXPECT_EQ(engine_.m_rowCluster[2], 1);
+  expectUnwrittenFrom(3);
+}
+
+// Centres 0 and 1 are the same grey, so their sums are the same float and
+// only centre 0 enters the ranking. Row 2 is not written but is boosted
+// from what it held: the worked (200, 100, 100), figure kept.
+TEST_F(ColorChosen, EqualDistinctnessKeepsLowestClusterAndBoostsStaleRow) {
+  const float stale[4] = {200, 100, 100, 7};
+  std::copy(stale, stale + 4, record_.palette[2]);
+  run({{50, 50, 50}, {50, 50, 50}, {200, 200, 200}}, IMAGE_FORMAT_NV21);
+  expectRow(0, {200, 200, 200, 4000.0f / 51.0f});
+  expectRow(1, {50, 50, 50, 1000.0f / 51.0f});
+  expectRow(2, {212.5f, 87.5f, 87.5f, 7});
+  ASSERT_EQ(engine_.m_rowCount, 2);
+  EXPECT_EQ(engine_.m_rowCluster[0], 2);
+  EXPECT_EQ(engine_.m_rowCluster[1], 0);
+  expectUnwrittenFrom(3);
+}
+
+}  // namespace

@@ -1,0 +1,211 @@
+// The assignment step: the two distance forms and where each applies, the
+// strict comparison, and the NEON kernel against its plain scalar twin,
+// which must agree bit for bit.
+#include "src/neon/kmeans_assign.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <ostream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using pavona::internal::assignNearest_C;
+using pavona::internal::assignNearest_NEON;
+using pavona::internal::plainDistance;
+using pavona::internal::weightedDistance;
+
+uint32_t bitsOf(float value) {
+  uint32_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+// The engine's starting state: every byte of a distance 100, labels 0.
+struct Nearest {
+  explicit Nearest(size_t count) : distance(count), label(count, 0) {
+    std::memset(distance.data(), 100, count * sizeof(float));
+  }
+  std::vector<float> distance;
+  std::vector<int> label;
+};
+
+struct Implementation {
+  const char* name;
+  void (*assign)(const _Point*, int, const _Point*, int, float*, int*);
+};
+
+void PrintTo(const Implementation& implementation, std::ostream* out) {
+  *out << implementation.name;
+}
+
+class KMeansAssignBoth : public ::testing::TestWithParam<Implementation> {
+ protected:
+  Nearest run(const std::vector<_Point>& samples,
+              const std::vector<_Point>& centres) {
+    Nearest nearest(samples.size());
+    GetParam().assign(samples.data(), static_cast<int>(samples.size()),
+                      centres.data(), static_cast<int>(centres.size()),
+                      nearest.distance.data(), nearest.label.data());
+    return nearest;
+  }
+};
+
+TEST(KMeansDistance, WorkedValuesSumLeftFirst) {
+  // d = (1, 2, 3): plain 1 + 4 + 9, weighted 2 + 16 + 27.
+  EXPECT_EQ(plainDistance({1, 2, 3}, {0, 0, 0}), 14.0f);
+  EXPECT_EQ(weightedDistance({10, 20, 30}, {9, 18, 27}), 45.0f);
+  // 2^24 + 1 rounds back to 2^24 before the second 1 is added; grouped
+  // the other way the sum would be 2^24 + 2.
+  EXPECT_EQ(bitsOf(plainDistance({4096, 1, 1}, {0, 0, 0})),
+            bitsOf(16777216.0f));
+  // 4096 * 8192 = 2^25 (spacing 4): + 1 rounds away, + 1.6875 too; grouped
+  // the other way 2^25 + 2.6875 would round up to 2^25 + 4.
+  EXPECT_EQ(bitsOf(weightedDistance({4096, 0.5f, 0.75f}, {0, 0, 0})),
+            bitsOf(33554432.0f));
+}
+
+// Centre 0 is nearer by the plain form, centre 1 by the weighted one:
+// (0,10,0) gives 100 and 400, (11,0,0) gives 121 and 242.
+const std::vector<_Point> kGreen10AndRed11 = {{0, 10, 0}, {11, 0, 0}};
+
+TEST_P(KMeansAssignBoth, SixSamplesUsePlainFormThenWeightedForm) {
+  const std::vector<_Point> samples(6, _Point{0, 0, 0});
+  const Nearest nearest = run(samples, kGreen10AndRed11);
+  EXPECT_EQ(nearest.label, (std::vector<int>{0, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(nearest.distance,
+            (std::vector<float>{100, 100, 100, 100, 242, 242}));
+}
+
+TEST_P(KMeansAssignBoth, FewerThanFourSamplesAreAllWeighted) {
+  const std::vector<_Point> samples(3, _Point{0, 0, 0});
+  const Nearest nearest = run(samples, kGreen10AndRed11);
+  EXPECT_EQ(nearest.label, (std::vector<int>{1, 1, 1}));
+}
+
+TEST_P(KMeansAssignBoth, TiesKeepTheLowerCentre) {
+  // Sample 0 lies on the two equal centres 0 and 1; sample 2 is 25 from
+  // both centres 2 and 3; sample 4 (weighted) is 9 from centre 2.
+  const std::vector<_Point> samples = {
+      {7, 7, 7}, {0, 0, 0}, {0, 5, 0}, {0, 0, 0}, {1, 1, 1}};
+  const std::vector<_Point> centres = {
+      {7, 7, 7}, {7, 7, 7}, {0, 0, 0}, {0, 10, 0}};
+  const Nearest nearest = run(samples, centres);
+  EXPECT_EQ(nearest.label, (std::vector<int>{0, 2, 2, 2, 2}));
+  EXPECT_EQ(nearest.distance, (std::vector<float>{0, 0, 25, 0, 9}));
+}
+
+TEST_P(KMeansAssignBoth, NothingFartherThanTheStartOrNaNIsTaken) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float inf = std::numeric_limits<float>::infinity();
+  // The squares of 1e12 and 2e11 are beyond 0x64646464 (about 1.685e22).
+  const std::vector<_Point> samples = {
+      {nan, 0, 0}, {1e12f, 0, 0}, {0, inf, 0}, {0, 0, 2e11f}, {nan, 0, 0}};
+  const Nearest nearest = run(samples, {{0, 0, 0}, {1, 1, 1}});
+  const Nearest start(samples.size());
+  EXPECT_EQ(nearest.label, (std::vector<int>{0, 0, 0, 0, 0}));
+  for (size_t j = 0; j < samples.size(); ++j) {
+    EXPECT_EQ(bitsOf(nearest.distance[j]), 0x64646464u) << j;
+  }
+  EXPECT_EQ(nearest.distance, start.distance);
+}
+
+TEST_P(KMeansAssignBoth, EqualToTheStartingDistanceIsNotCloser) {
+  const std::vector<_Point> samples(5, _Point{0, 0, 10});
+  Nearest nearest(samples.size());
+  for (size_t j = 0; j < samples.size(); ++j) {
+    nearest.distance[j] = j < 4 ? 100.0f : 300.0f;  // tail: 3 * 10 * 10
+    nearest.label[j] = 7;
+  }
+  // From the origin: plain 100, weighted 3 * 10 * 10, equal to the start.
+  const std::vector<_Point> origin = {{0, 0, 0}};
+  GetParam().assign(samples.data(), 5, origin.data(), 1,
+                    nearest.distance.data(), nearest.label.data());
+  EXPECT_EQ(nearest.label, std::vector<int>(5, 7));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KMeansAssign, KMeansAssignBoth,
+    ::testing::Values(Implementation{"Neon", assignNearest_NEON},
+                      Implementation{"Scalar", assignNearest_C}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Photo-like samples: runs of similar whole-number colours (0 ... 255 or
+// 1023), sometimes a special value. Centres are fractions, copies of
+// samples or repeats of earlier centres, so ties happen. The start is
+// either "far" or an earlier state.
+struct RandomCase {
+  RandomCase(std::mt19937& random, int count, int k, bool special)
+      : distance(count), label(count, 0) {
+    const unsigned scale = random() % 2 == 0 ? 255 : 1023;
+    auto near = [&](unsigned base) {
+      return static_cast<float>(
+          std::min<unsigned>(base + random() % 21, scale));
+    };
+    unsigned base[3] = {};
+    for (int j = 0; j < count; ++j) {
+      if (j % 7 == 0) {
+        for (unsigned& channel : base) channel = random() % scale;
+      }
+      samples.push_back({near(base[0]), near(base[1]), near(base[2])});
+    }
+    auto fraction = [&] { return float(random() % (scale << 8)) / 256.0f; };
+    for (int i = 0; i < k; ++i) {
+      const unsigned pick = random() % 4;
+      centres.push_back(pick == 0 ? samples[random() % count]
+                        : pick == 1 && i > 0
+                            ? centres[random() % i]
+                            : _Point{fraction(), fraction(), fraction()});
+    }
+    if (special) {
+      const float values[] = {std::numeric_limits<float>::quiet_NaN(),
+                              std::numeric_limits<float>::infinity(), -0.0f,
+                              1e20f, 1e-40f};
+      samples[random() % count].g = values[random() % 5];
+      centres[random() % k].b = values[random() % 5];
+    }
+    std::memset(distance.data(), 100, count * sizeof(float));
+    if (random() % 3 == 0) {
+      for (int j = 0; j < count; ++j) {
+        distance[j] = static_cast<float>(random() % 4000);
+        label[j] = static_cast<int>(random() % 20);
+      }
+    }
+  }
+  std::vector<_Point> samples;
+  std::vector<_Point> centres;
+  std::vector<float> distance;
+  std::vector<int> label;
+};
+
+TEST(KMeansAssign, NeonMatchesScalarTwinBitForBit) {
+  std::mt19937 random(0x5eed);
+  // Every remainder mod 4, then the 124 x 92 working frame and one size
+  // off it.
+  std::vector<int> counts;
+  for (int count = 1; count <= 67; ++count)
+    counts.insert(counts.end(), 6, count);
+  counts.insert(counts.end(), {124 * 92, 124 * 92 - 3});
+  for (size_t c = 0; c < counts.size(); ++c) {
+    const int count = counts[c];
+    const int k = 1 + static_cast<int>(random() % 20);
+    RandomCase scalar(random, count, k, c % 6 == 5);
+    RandomCase neon = scalar;
+    assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
+                    scalar.distance.data(), scalar.label.data());
+    assignNearest_NEON(neon.samples.data(), count, neon.centres.data(), k,
+                       neon.distance.data(), neon.label.data());
+    ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
+                             count * sizeof(float)))
+        << "count " << count << " k " << k;
+    ASSERT_EQ(neon.label, scalar.label) << "count " << count << " k " << k;
+  }
+}
+
+}  // namespace
