@@ -11,4 +11,12 @@ if(PAVONA_VALGRIND AND NOT CMAKE_CROSSCOMPILING
     add_test(NAME Memcheck.host_example
       COMMAND ${PAVONA_MEMCHECK} $<TARGET_FILE:host_example>)
   endif()
+  # One tool run through every stage: JPEG decoding, conversion, a frame
+  # with the preview drawn and written as PNG, JSON output.
+  if(TARGET pavona_cli)
+    add_test(NAME Memcheck.pavona_tool
+      COMMAND ${PAVONA_MEMCHECK} $<TARGET_FILE:pavona_cli> --json -k 5
+        --seed 1 --preview ${CMAKE_CURRENT_BINARY_DIR}/memcheck-preview.png
+        ${PROJECT_SOURCE_DIR}/samples/coffee.jpg)
+  endif()
 endif()
