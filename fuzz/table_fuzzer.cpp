@@ -1,7 +1,7 @@
 // The whole plug-in as a host drives it, from fuzzer bytes: the entry table,
 // one init record, then one or more frames with their parameter records.
 // Records and planes are allocated to exactly the size they describe. Init
-// sizes stay below 4096 so the target stays fast; the hostile extremes of
+// sizes stay below 2560 so the target stays fast; the hostile extremes of
 // the init record are a test suite of their own.
 #include <cstdint>
 #include <cstring>
@@ -69,8 +69,8 @@ Frame makeFrame(FuzzedDataProvider& in) {
   Image& image = *frame.image;
   std::memset(&image, 0xEE, sizeof image);
   image.format = static_cast<IMAGE_FORMAT_TYPE>(pickFormat(in));
-  image.width = in.ConsumeIntegralInRange(-4, 640);
-  image.height = in.ConsumeIntegralInRange(-4, 480);
+  image.width = in.ConsumeIntegralInRange(-4, 480);
+  image.height = in.ConsumeIntegralInRange(-4, 360);
   const int sample = image.format == IMAGE_FORMAT_YUV420SP_10BIT ? 2 : 1;
   const int32_t rowBytes = image.width * sample;
   image.stride = pickStride(in, rowBytes, sample);
@@ -100,8 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   std::unique_ptr<InitParamData> init(new InitParamData());
   std::memset(init.get(), 0xEE, sizeof *init);
-  init->width = in.ConsumeIntegralInRange(-300, 4096);
-  init->height = in.ConsumeIntegralInRange(-300, 4096);
+  init->width = in.ConsumeIntegralInRange(-300, 2560);
+  init->height = in.ConsumeIntegralInRange(-300, 2560);
   init->widthInBytes = in.ConsumeBool() ? 0 : in.ConsumeIntegral<int32_t>();
   init->format = static_cast<IMAGE_FORMAT_TYPE>(pickFormat(in));
   const bool nullInit = in.ConsumeIntegralInRange(0, 31) == 0;
