@@ -18,6 +18,7 @@ namespace {
 
 using pavona::internal::assignNearest_C;
 using pavona::internal::assignNearest_NEON;
+using pavona::internal::assignNearestFromFar_NEON;
 using pavona::internal::plainDistance;
 using pavona::internal::weightedDistance;
 
@@ -184,23 +185,58 @@ struct RandomCase {
   std::vector<int> label;
 };
 
-TEST(KMeansAssign, NeonMatchesScalarTwinBitForBit) {
-  std::mt19937 random(0x5eed);
-  // Every remainder mod 4, then the 124 x 92 working frame and one size
-  // off it.
+// Every remainder mod 4, then the 124 x 92 working frame and one size off
+// it.
+std::vector<int> randomCounts() {
   std::vector<int> counts;
   for (int count = 1; count <= 67; ++count)
     counts.insert(counts.end(), 6, count);
   counts.insert(counts.end(), {124 * 92, 124 * 92 - 3});
+  return counts;
+}
+
+// k from 1 to 45: the kernel takes its centres 20 at a time.
+int randomK(std::mt19937& random) {
+  return 1 + static_cast<int>(random() % 45);
+}
+
+TEST(KMeansAssign, NeonMatchesScalarTwinBitForBit) {
+  std::mt19937 random(0x5eed);
+  const std::vector<int> counts = randomCounts();
   for (size_t c = 0; c < counts.size(); ++c) {
     const int count = counts[c];
-    const int k = 1 + static_cast<int>(random() % 20);
+    const int k = randomK(random);
     RandomCase scalar(random, count, k, c % 6 == 5);
     RandomCase neon = scalar;
     assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
                     scalar.distance.data(), scalar.label.data());
     assignNearest_NEON(neon.samples.data(), count, neon.centres.data(), k,
                        neon.distance.data(), neon.label.data());
+    ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
+                             count * sizeof(float)))
+        << "count " << count << " k " << k;
+    ASSERT_EQ(neon.label, scalar.label) << "count " << count << " k " << k;
+  }
+}
+
+TEST(KMeansAssign, FromFarMatchesScalarTwinFromTheStartWithoutReading) {
+  std::mt19937 random(0xfa2);
+  const std::vector<int> counts = randomCounts();
+  for (size_t c = 0; c < counts.size(); ++c) {
+    const int count = counts[c];
+    // Now and then no centre at all.
+    const int k = c % 50 == 7 ? 0 : randomK(random);
+    RandomCase scalar(random, count, std::max(k, 1), c % 6 == 5);
+    std::memset(scalar.distance.data(), 100, count * sizeof(float));
+    std::fill(scalar.label.begin(), scalar.label.end(), 0);
+    RandomCase neon = scalar;
+    // Whatever the arrays hold must not matter.
+    std::memset(neon.distance.data(), 0, count * sizeof(float));
+    std::fill(neon.label.begin(), neon.label.end(), 7);
+    assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
+                    scalar.distance.data(), scalar.label.data());
+    assignNearestFromFar_NEON(neon.samples.data(), count, neon.centres.data(),
+                              k, neon.distance.data(), neon.label.data());
     ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
                              count * sizeof(float)))
         << "count " << count << " k " << k;

@@ -6,6 +6,10 @@
 
 namespace pavona::internal {
 
+// The distance a pass starts every sample at, farther than any centre:
+// every byte 100, the float with bits 0x64646464 (about 1.685e22).
+constexpr int kFarByte = 100;
+
 // Distance of the four-at-a-time body: (dr*dr + dg*dg) + db*db, with
 // d = sample - centre.
 inline float plainDistance(const _Point& sample, const _Point& centre) {
@@ -31,6 +35,13 @@ inline float weightedDistance(const _Point& sample, const _Point& centre) {
 // labels come in holding the starting values.
 void assignNearest_NEON(const _Point* samples, int count, const _Point* centres,
                         int k, float* nearest, int* labels);
+
+// The same from the pass's starting state, every byte of nearest kFarByte
+// and every label 0, without reading either array first: a sample that no
+// centre comes nearer than that (or only by NaN) gets the starting values.
+void assignNearestFromFar_NEON(const _Point* samples, int count,
+                               const _Point* centres, int k, float* nearest,
+                               int* labels);
 
 // Plain loop over centres, then samples; the oracle for the NEON version.
 void assignNearest_C(const _Point* samples, int count, const _Point* centres,
