@@ -2,8 +2,11 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 #include "api/log_sink.h"
+#include "api/pavona.h"
 
 int32_t gLogStatus = 1;
 
@@ -34,6 +37,57 @@ const char* getVersion() {
 void setLogStatus(int32_t status) {
   gLogStatus = status;
   std::printf("set log status %d %d \n", status, status);
+}
+
+int32_t algoInitHandle(void** pHandle, void* pInitParam) {
+  auto pavona = std::make_unique<Pavona>();
+  if (pInitParam == nullptr) {
+    // Wording kept from the first release although nothing ran out.
+    PAVONA_LOGE("out of memory");
+    return STATUS_NO_INIT_PARAM;
+  }
+  pavona->pavonaPrintVersion();
+  pavona->pavonaInit(pInitParam);
+  *pHandle = pavona.release();
+  return 0;
+}
+
+int32_t singleProcessImage(void* handle, Image* image, void* pParam, void*) {
+  PAVONA_LOGI("the pavona %p", handle);
+  if (handle != nullptr && image != nullptr && pParam != nullptr) {
+    static_cast<Pavona*>(handle)->pavonaProcess(image, pParam);
+    return 0;
+  }
+  // Hosts match this line as it has always been printed, "%P" included.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"
+#pragma GCC diagnostic ignored "-Wformat-extra-args"
+  PAVONA_LOGE("pavona %p pImage1 %p pParam %P", handle,
+              static_cast<void*>(image), pParam);
+#pragma GCC diagnostic pop
+  return 0;
+}
+
+int32_t isSupportFormat(void* handle, int32_t format) {
+  PAVONA_LOGI("the pavona %p", handle);
+  if (handle != nullptr) {
+    static_cast<Pavona*>(handle)->isSupportFormat(format);
+  } else {
+    PAVONA_LOGE("pHandle is null");
+  }
+  return 0;
+}
+
+int32_t releaseHandle(void* handle, void* ptr) {
+  if (handle != nullptr) {
+    auto* pavona = static_cast<Pavona*>(handle);
+    pavona->pavonaDestory();
+    delete pavona;
+  }
+  if (ptr != nullptr) {
+    std::free(ptr);
+  }
+  return 0;
 }
 
 int32_t debugMode(void*, int32_t) {
@@ -98,14 +152,18 @@ extern "C" PAVONA_EXPORT int32_t get_algo_api(PavonaApi* api) {
   }
   api->getVersion = getVersion;
   api->setLogStatus = setLogStatus;
+  api->algoInitHandle = algoInitHandle;
   api->debugMode = debugMode;
+  api->isSupportFormat = isSupportFormat;
   api->startProcess = startProcess;
   api->stopProcess = stopProcess;
   api->getProcessImageResult = getProcessImageResult;
   api->setParameters = setParameters;
+  api->singleProcessImage = singleProcessImage;
   api->processImage = processImage;
   api->multiProcessImage = multiProcessImage;
   api->fatalErrorStatus = fatalErrorStatus;
+  api->releaseHandle = releaseHandle;
   api->dumpImage = dumpImage;
   api->getMemoryInfo = getMemoryInfo;
   return 0;

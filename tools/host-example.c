@@ -1,11 +1,39 @@
 /*
- * A camera host in miniature: load libPavona.so, fill the entry table
- * through get_algo_api and print the version text.
+ * A camera host in miniature, in plain C: load libPavona.so, fill the entry
+ * table through get_algo_api, make a handle for 4000 x 3000 NV21 frames,
+ * process a few synthesised frames, print their palettes and release.
  */
 #include <dlfcn.h>
+#include <math.h>
+#include <stdint.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 
 #include "pavona_host.h"
+
+enum { kWidth = 4000, kHeight = 3000, kFrames = 3 };
+
+/* A frame of four coloured quadrants whose colours drift with `frame`. */
+static void synthesise_nv21(uint8_t* y_plane, uint8_t* vu_plane, int frame) {
+  static const uint8_t quadrant_yuv[4][3] = {
+      {81, 90, 240}, {145, 54, 34}, {41, 240, 110}, {210, 16, 146}};
+  for (int row = 0; row < kHeight; ++row) {
+    for (int col = 0; col < kWidth; ++col) {
+      int q = (row >= kHeight / 2) * 2 + (col >= kWidth / 2);
+      y_plane[(size_t)row * kWidth + col] =
+          (uint8_t)(quadrant_yuv[q][0] + frame * 8);
+    }
+  }
+  for (int row = 0; row < kHeight / 2; ++row) {
+    for (int pair = 0; pair < kWidth / 2; ++pair) {
+      int q = (row >= kHeight / 4) * 2 + (pair >= kWidth / 4);
+      uint8_t* vu = vu_plane + (size_t)row * kWidth + 2 * pair;
+      vu[0] = quadrant_yuv[q][2]; /* V first: NV21 */
+      vu[1] = quadrant_yuv[q][1];
+    }
+  }
+}
 
 int main(int argc, char** argv) {
   const char* path = argc > 1 ? argv[1] : PAVONA_LIBRARY_PATH;
@@ -21,9 +49,68 @@ int main(int argc, char** argv) {
     dlclose(library);
     return 1;
   }
-  PavonaApi api = {0};
+
+  PavonaApi api;
+  memset(&api, 0, sizeof api);
   get_api(&api);
   printf("Pavona %s\n", api.getVersion());
+  api.setLogStatus(0);
+
+  InitParamData init;
+  memset(&init, 0, sizeof init);
+  init.width = kWidth;
+  init.height = kHeight;
+  init.format = IMAGE_FORMAT_NV21;
+  void* handle = NULL;
+  if (api.algoInitHandle(&handle, &init) != 0 || handle == NULL) {
+    fprintf(stderr, "host-example: algoInitHandle failed\n");
+    dlclose(library);
+    return 1;
+  }
+
+  uint8_t* y_plane = malloc((size_t)kWidth * kHeight);
+  uint8_t* vu_plane = malloc((size_t)kWidth * kHeight / 2);
+  if (y_plane == NULL || vu_plane == NULL) {
+    fprintf(stderr, "host-example: out of memory\n");
+    return 1;
+  }
+
+  int status = 0;
+  for (int frame = 0; frame < kFrames; ++frame) {
+    synthesise_nv21(y_plane, vu_plane, frame);
+    Image image;
+    memset(&image, 0, sizeof image);
+    image.format = IMAGE_FORMAT_NV21;
+    image.width = kWidth;
+    image.height = kHeight;
+    image.stride = kWidth;
+    image.yPlane = y_plane;
+    image.uvPlane = vu_plane;
+
+    ProcessParamData param;
+    memset(&param, 0, sizeof param);
+    param.colorNum = 4;
+    for (int row = 0; row < PAVONA_MAX_COLORS; ++row) {
+      param.palette[row][0] = NAN; /* marks rows the plug-in left alone */
+    }
+    api.singleProcessImage(handle, &image, &param, NULL);
+
+    printf("frame %d:", frame);
+    int written = 0;
+    for (int row = 0; row < param.colorNum; ++row) {
+      const float* c = param.palette[row];
+      if (isnan(c[0])) continue;
+      printf(" (%.1f, %.1f, %.1f; L %.1f)", c[0], c[1], c[2], c[3]);
+      ++written;
+    }
+    printf("\n");
+    if (written == 0) status = 1;
+  }
+  fflush(stdout);
+
+  api.releaseHandle(handle, NULL);
+  free(y_plane);
+  free(vu_plane);
   dlclose(library);
-  return 0;
+  return status;
 }

@@ -1,0 +1,436 @@
+// Nearest-neighbour resize. Expected planes come from a plain per-pixel
+// evaluation of the mapping (source column trunc(x × scaleX), row
+// trunc(y × scaleY), float scales); every vector kernel is also compared
+// with its scalar twin. The output is bit-exact, so planes are compared
+// byte for byte. Sources end exactly at their last pixel so that ASan sees
+// any over-read; destinations are framed and padded with guard bytes.
+#include "zel/neon/imgproc/resize.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using zel::INTERP_NEAREST;
+using zel::neon::imgproc::internal_resize_v00::Resize_v00;
+using zel::neon::imgproc::internal_resize_v00::ResizeNearestExact;
+using zel::neon::imgproc::internal_resize_v00::ResizeNearestFlex;
+using zel::neon::imgproc::internal_resize_v00::ResizeNearestUpscale;
+
+constexpr uint8_t kGuard = 0xE7;
+constexpr int kFrame = 48;  // guard bytes before and after a destination
+
+struct Layout {
+  int width;
+  int height;
+  int unit;  // bytes a pixel
+  int stride;
+  size_t rowBytes() const { return size_t(width) * unit; }
+};
+
+// Exactly as long as the plane: nothing follows the last row's pixels.
+std::vector<uint8_t> randomSource(const Layout& l, std::mt19937& rng) {
+  std::vector<uint8_t> v(size_t(l.height - 1) * l.stride + l.rowBytes());
+  for (auto& b : v) b = uint8_t(rng());
+  return v;
+}
+
+std::vector<uint8_t> guardedDestination(const Layout& l) {
+  return std::vector<uint8_t>(2 * kFrame + size_t(l.height) * l.stride, kGuard);
+}
+
+// Output pixels of the mapping, rows packed.
+std::vector<uint8_t> mapped(const uint8_t* src, const Layout& s, int dw,
+                            int dh) {
+  const float sx = float(s.width) / float(dw);
+  const float sy = float(s.height) / float(dh);
+  std::vector<uint8_t> out;
+  for (int y = 0; y < dh; ++y) {
+    for (int x = 0; x < dw; ++x) {
+      const uint8_t* p = src + size_t(int(float(y) * sy)) * s.stride +
+                         size_t(int(float(x) * sx)) * s.unit;
+      out.insert(out.end(), p, p + s.unit);
+    }
+  }
+  return out;
+}
+
+// The destination holds `expected` as its pixels and guard bytes elsewhere.
+::testing::AssertionResult holds(const std::vector<uint8_t>& buf,
+                                 const Layout& d,
+                                 const std::vector<uint8_t>& expected) {
+  for (size_t i = 0; i < buf.size(); ++i) {
+    const long at = long(i) - kFrame;
+    const long y = at / d.stride, xb = at % d.stride;
+    const bool pixel = at >= 0 && y < d.height && size_t(xb) < d.rowBytes();
+    const uint8_t want = pixel ? expected[y * d.rowBytes() + xb] : kGuard;
+    if (buf[i] != want) {
+      return ::testing::AssertionFailure()
+             << (pixel ? "pixel byte" : "guard byte") << " at offset " << at
+             << " (row " << y << ", byte " << xb << "): " << int(buf[i])
+             << " != " << int(want);
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+template <typename T, int cn>
+struct Plane {
+  using Elem = T;
+  static constexpr int kCn = cn;
+  static constexpr int kUnit = cn * int(sizeof(T));
+  static constexpr int kMinBlocks = 16 / int(sizeof(T));  // B
+  static constexpr int kMaxRatio = 16 / kUnit;
+  using Kernel = Resize_v00<T, cn, 1, INTERP_NEAREST, float,
+                            sizeof(T) == 1 ? 0 : 6, cn == 2>;
+
+  // Resizes a random source of sw × sh through the plane kernel, with
+  // padded strides, and checks the destination.
+  static void check(int sw, int sh, int dw, int dh, std::mt19937& rng) {
+    SCOPED_TRACE(::testing::Message() << sw << "x" << sh << " -> " << dw << "x"
+                                      << dh << ", unit " << kUnit);
+    const Layout s{sw, sh, kUnit, sw * kUnit + int(rng() % 3) * 8};
+    const Layout d{dw, dh, kUnit, dw * kUnit + 6};
+    const auto src = randomSource(s, rng);
+    auto dst = guardedDestination(d);
+    EXPECT_EQ(0, Kernel::resize(reinterpret_cast<const T*>(src.data()),
+                                reinterpret_cast<T*>(dst.data() + kFrame), sw,
+                                sh, dw, dh, s.stride, d.stride));
+    EXPECT_TRUE(holds(dst, d, mapped(src.data(), s, dw, dh)));
+  }
+};
+
+using PlaneTypes = ::testing::Types<Plane<uint8_t, 1>, Plane<uint8_t, 2>,
+                                    Plane<uint16_t, 1>, Plane<uint16_t, 2>>;
+template <typename P>
+class PlaneResize : public ::testing::Test {};
+TYPED_TEST_SUITE(PlaneResize, PlaneTypes);
+
+// Height pairs whose ratio is never exactly 2, 3 or 4 either way, so that
+// the width alone decides the path; equal heights sample the last row.
+constexpr std::pair<int, int> kHeights[] = {{3, 3}, {5, 3}, {3, 5}, {4, 7}};
+
+TYPED_TEST(PlaneResize, ExactFactorsBothWays) {
+  std::mt19937 rng(11);
+  for (int k = 2; k <= 4; ++k) {
+    for (int w = 1; w <= 40; w += 1 + int(rng() % 3)) {
+      const int h = 1 + int(rng() % 3);
+      TypeParam::check(k * w, k * h, w, h, rng);
+      TypeParam::check(w, h, k * w, k * h, rng);
+    }
+  }
+}
+
+// Ratios R = 1 ... Rmax on rows from just B × R wide (16-bit: spans longer
+// than the row, destinations of 8 to 15 pixels) to several blocks wide.
+TYPED_TEST(PlaneResize, TableLookupRatios) {
+  std::mt19937 rng(12);
+  const int b = TypeParam::kMinBlocks;
+  for (int r = 1; r <= TypeParam::kMaxRatio; ++r) {
+    for (int sw : {b * r, b * r + 1 + int(rng() % (3 * r)), 16 * r + 5,
+                   48 * r + int(rng() % 40)}) {
+      const int lo = (sw + r - 1) / r;
+      const int hi = r == 1 ? 2 * sw - 1 : (sw - 1) / (r - 1);
+      const int dw = lo + int(rng() % (hi - lo + 1));
+      if (std::ceil(float(sw) / float(dw)) != float(r)) continue;
+      const auto [sh, dh] = kHeights[rng() % 4];
+      TypeParam::check(sw, sh, dw, dh, rng);
+    }
+  }
+}
+
+// R above Rmax, and rows narrower than B × R: the scalar table path.
+TYPED_TEST(PlaneResize, GeneralTablePath) {
+  std::mt19937 rng(13);
+  const int rmax = TypeParam::kMaxRatio;
+  for (int r : {rmax + 1, rmax + 2, 33}) {
+    const int dw = 1 + int(rng() % 40);
+    TypeParam::check(dw * r - int(rng() % r), 3, dw, 3, rng);
+  }
+  for (int r = 2; r <= rmax; ++r) {
+    TypeParam::check(TypeParam::kMinBlocks * r - 1, 4, TypeParam::kMinBlocks, 7,
+                     rng);
+  }
+}
+
+TYPED_TEST(PlaneResize, ZeroHeightWritesNothing) {
+  const Layout d{16, 1, TypeParam::kUnit, 16 * TypeParam::kUnit};
+  auto dst = guardedDestination(d);
+  const std::vector<uint8_t> src(64 * TypeParam::kUnit, 1);
+  using T = typename TypeParam::Elem;
+  EXPECT_EQ(0,
+            TypeParam::Kernel::resize(reinterpret_cast<const T*>(src.data()),
+                                      reinterpret_cast<T*>(dst.data() + kFrame),
+                                      32, 2, 16, 0, d.stride, d.stride));
+  EXPECT_EQ(dst, guardedDestination(d));
+}
+
+// Runs `vector` and `scalar` on the same source into two guarded
+// destinations and requires identical bytes, guards included.
+template <typename Vector, typename Scalar>
+void expectTwins(const Layout& s, const Layout& d, Vector vector, Scalar scalar,
+                 std::mt19937& rng) {
+  const auto src = randomSource(s, rng);
+  auto a = guardedDestination(d), b = a;
+  vector(src.data(), a.data() + kFrame);
+  scalar(src.data(), b.data() + kFrame);
+  EXPECT_EQ(a, b) << s.width << "x" << s.height << " -> " << d.width << "x"
+                  << d.height << ", unit " << s.unit;
+}
+
+template <typename U, int K>
+void exactTwins(std::mt19937& rng) {
+  using E = ResizeNearestExact<U, K>;
+  const int u = sizeof(U);
+  for (int w = 1; w <= 3 * 32 / u + 1; w += 1 + int(rng() % 3)) {
+    const Layout small{w, 2, u, w * u + 3}, large{K * w, 2 * K, u, K * w * u};
+    expectTwins(
+        large, small,
+        [&](const uint8_t* s, uint8_t* d) {
+          E::decimate(s, d, w, 2, large.stride, small.stride);
+        },
+        [&](const uint8_t* s, uint8_t* d) {
+          E::decimate_C(s, d, w, 2, large.stride, small.stride);
+        },
+        rng);
+    expectTwins(
+        small, large,
+        [&](const uint8_t* s, uint8_t* d) {
+          E::enlarge(s, d, w, 2, small.stride, large.stride);
+        },
+        [&](const uint8_t* s, uint8_t* d) {
+          E::enlarge_C(s, d, w, 2, small.stride, large.stride);
+        },
+        rng);
+  }
+}
+
+TEST(ResizeKernelTwins, ExactRatiosMatchScalar) {
+  std::mt19937 rng(21);
+  exactTwins<uint8_t, 2>(rng), exactTwins<uint8_t, 3>(rng);
+  exactTwins<uint8_t, 4>(rng), exactTwins<uint16_t, 2>(rng);
+  exactTwins<uint16_t, 3>(rng), exactTwins<uint16_t, 4>(rng);
+  exactTwins<uint32_t, 2>(rng), exactTwins<uint32_t, 3>(rng);
+  exactTwins<uint32_t, 4>(rng);
+}
+
+template <typename T, int cn, int K>
+void upscaleTwins(std::mt19937& rng) {
+  using Up = ResizeNearestUpscale<T, cn, 1, K>;
+  const int u = cn * sizeof(T);
+  for (int w : {1, 7, 32 / u, 64 / u + 3}) {
+    const Layout s{w, 3, u, w * u}, d{K * w, 3 * K, u, K * w * u + 5};
+    const auto run = [&](auto fn) {
+      return [&, fn](const uint8_t* src, uint8_t* dst) {
+        EXPECT_EQ(0, fn(reinterpret_cast<const T*>(src),
+                        reinterpret_cast<T*>(dst), w, 3, s.stride, d.stride));
+      };
+    };
+    expectTwins(s, d, run(&Up::resize), run(&Up::resize_C), rng);
+  }
+}
+
+TEST(ResizeKernelTwins, UpscaleMatchesScalar) {
+  std::mt19937 rng(22);
+  upscaleTwins<uint8_t, 1, 4>(rng), upscaleTwins<uint8_t, 2, 3>(rng);
+  upscaleTwins<uint8_t, 2, 4>(rng), upscaleTwins<uint16_t, 1, 4>(rng);
+  upscaleTwins<uint16_t, 2, 3>(rng), upscaleTwins<uint16_t, 2, 4>(rng);
+}
+
+template <typename T, int cn, int N>
+void flexTwins(std::mt19937& rng) {
+  using Flex = ResizeNearestFlex<T, cn, 1, N>;
+  const int u = cn * sizeof(T), r = N / u, b = 16 / int(sizeof(T));
+  for (int sw : {b * r, 16 * r + 3, 40 * r + 1}) {
+    const int dw = (sw + r - 1) / r + int(rng() % 4);
+    const Layout s{sw, 3, u, sw * u}, d{dw, 4, u, dw * u + 2};
+    const auto run = [&](auto fn) {
+      return [&, fn](const uint8_t* src, uint8_t* dst) {
+        EXPECT_EQ(0,
+                  fn(reinterpret_cast<const T*>(src), reinterpret_cast<T*>(dst),
+                     sw, 3, dw, 4, s.stride, d.stride));
+      };
+    };
+    expectTwins(s, d, run(&Flex::resize), run(&Flex::resize_C), rng);
+  }
+}
+
+template <typename T, int cn, int... R>
+void flexTwinsUpTo(std::mt19937& rng, std::integer_sequence<int, R...>) {
+  (flexTwins<T, cn, (R + 1) * cn* int(sizeof(T))>(rng), ...);
+}
+
+TEST(ResizeKernelTwins, TableLookupMatchesScalar) {
+  std::mt19937 rng(23);
+  flexTwinsUpTo<uint8_t, 1>(rng, std::make_integer_sequence<int, 16>());
+  flexTwinsUpTo<uint8_t, 2>(rng, std::make_integer_sequence<int, 8>());
+  flexTwinsUpTo<uint16_t, 1>(rng, std::make_integer_sequence<int, 8>());
+  flexTwinsUpTo<uint16_t, 2>(rng, std::make_integer_sequence<int, 4>());
+}
+
+TEST(ResizeKernelTwins, UpscaleOfOnePixelFillsFourRows) {
+  const uint8_t src[1] = {200};
+  uint8_t dst[4 * 5];
+  std::fill(std::begin(dst), std::end(dst), kGuard);
+  EXPECT_EQ(0, (ResizeNearestUpscale<uint8_t, 1, 1, 4>::resize(src, dst, 1, 1,
+                                                               1, 5)));
+  for (int y = 0; y < 4; ++y) {
+    EXPECT_EQ(std::vector<uint8_t>(dst + 5 * y, dst + 5 * y + 5),
+              (std::vector<uint8_t>{200, 200, 200, 200, kGuard}));
+  }
+}
+
+template <typename T>
+int32_t resizeFrame(const T* sy, const T* suv, T* dy, T* duv, int sw, int sh,
+                    int dw, int dh, int sys, int suvs, int dys, int duvs) {
+  using namespace zel;
+  if constexpr (sizeof(T) == 1) {
+    return neon::imgproc::resize_v00<uint8_t, uint8_t, YUV420SP_8BIT,
+                                     INTERP_NEAREST, float, 0>(
+        sy, suv, dy, duv, sw, sh, dw, dh, sys, suvs, dys, duvs);
+  } else {
+    return neon::imgproc::resize_v00<uint16_t, uint16_t, YUV420SP_10BIT,
+                                     INTERP_NEAREST, float, 6>(
+        sy, suv, dy, duv, sw, sh, dw, dh, sys, suvs, dys, duvs);
+  }
+}
+
+// A semi-planar frame: luma and chroma planes in separate buffers. Strides
+// as handed to the front end: 0 (packed), padded, or negative with the
+// plane pointer on the highest-addressed row.
+template <typename T>
+struct Frame {
+  Layout luma, chroma;
+  std::vector<uint8_t> y, uv;
+  int lumaArg, chromaArg;
+
+  Frame(int w, int h, int pad, bool negative, bool source, std::mt19937& rng)
+      : luma{w, h, int(sizeof(T)), w * int(sizeof(T)) + pad},
+        chroma{w / 2, h / 2, 2 * int(sizeof(T)), w * int(sizeof(T)) + pad} {
+    y = source ? randomSource(luma, rng) : guardedDestination(luma);
+    uv = source ? randomSource(chroma, rng) : guardedDestination(chroma);
+    lumaArg = negative ? -luma.stride : pad == 0 ? 0 : luma.stride;
+    chromaArg = negative ? -chroma.stride : pad == 0 ? 0 : chroma.stride;
+  }
+  T* plane(std::vector<uint8_t>& v, const Layout& l, int arg, bool source) {
+    uint8_t* first = v.data() + (source ? 0 : kFrame);
+    if (arg < 0) first += size_t(l.height - 1) * l.stride;
+    return reinterpret_cast<T*>(first);
+  }
+};
+
+template <typename T>
+class FrameResize : public ::testing::Test {};
+using SampleTypes = ::testing::Types<uint8_t, uint16_t>;
+TYPED_TEST_SUITE(FrameResize, SampleTypes);
+
+// Both planes are walked from their lowest address, so in memory order the
+// output is always the mapping of the source, whatever the stride signs.
+TYPED_TEST(FrameResize, ResizesBothPlanesUnderEveryStrideKind) {
+  using T = TypeParam;
+  std::mt19937 rng(31);
+  const int sizes[][4] = {{64, 48, 32, 24}, {96, 12, 24, 6}, {40, 30, 24, 18},
+                          {36, 20, 36, 20}, {2, 2, 4, 4},    {20, 6, 60, 18},
+                          {400, 8, 12, 4},  {160, 10, 62, 4}};
+  for (const auto& z : sizes) {
+    for (int kind = 0; kind < 5; ++kind) {
+      SCOPED_TRACE(::testing::Message() << z[0] << "x" << z[1] << " -> " << z[2]
+                                        << "x" << z[3] << " kind " << kind);
+      const int pad = kind == 0 ? 0 : 2 * int(sizeof(T)) * (kind + 1);
+      Frame<T> s(z[0], z[1], pad, kind == 2 || kind == 4, true, rng);
+      Frame<T> d(z[2], z[3], pad, kind == 3 || kind == 4, false, rng);
+      ASSERT_EQ(0, resizeFrame<T>(s.plane(s.y, s.luma, s.lumaArg, true),
+                                  s.plane(s.uv, s.chroma, s.chromaArg, true),
+                                  d.plane(d.y, d.luma, d.lumaArg, false),
+                                  d.plane(d.uv, d.chroma, d.chromaArg, false),
+                                  z[0], z[1], z[2], z[3], s.lumaArg,
+                                  s.chromaArg, d.lumaArg, d.chromaArg));
+      EXPECT_TRUE(holds(d.y, d.luma, mapped(s.y.data(), s.luma, z[2], z[3])));
+      EXPECT_TRUE(holds(d.uv, d.chroma,
+                        mapped(s.uv.data(), s.chroma, z[2] / 2, z[3] / 2)));
+    }
+  }
+}
+
+TYPED_TEST(FrameResize, RejectsBadArgumentsAndWritesNothing) {
+  using T = TypeParam;
+  std::mt19937 rng(32);
+  Frame<T> s(16, 8, 0, false, true, rng), d(8, 4, 0, false, false, rng);
+  const T* sy = s.plane(s.y, s.luma, 0, true);
+  const T* suv = s.plane(s.uv, s.chroma, 0, true);
+  T* dy = d.plane(d.y, d.luma, 0, false);
+  T* duv = d.plane(d.uv, d.chroma, 0, false);
+  const std::vector<std::vector<int>> bad = {
+      {15, 8, 8, 4}, {16, 7, 8, 4}, {16, 8, 7, 4}, {16, 8, 8, 3},
+      {0, 8, 8, 4},  {16, 0, 8, 4}, {16, 8, 0, 4}, {16, 8, 8, -2}};
+  for (const auto& z : bad) {
+    EXPECT_EQ(769, resizeFrame<T>(sy, suv, dy, duv, z[0], z[1], z[2], z[3], 0,
+                                  0, 0, 0));
+  }
+  EXPECT_EQ(769,
+            resizeFrame<T>(nullptr, suv, dy, duv, 16, 8, 8, 4, 0, 0, 0, 0));
+  EXPECT_EQ(769, resizeFrame<T>(sy, nullptr, dy, duv, 16, 8, 8, 4, 0, 0, 0, 0));
+  EXPECT_EQ(769,
+            resizeFrame<T>(sy, suv, nullptr, duv, 16, 8, 8, 4, 0, 0, 0, 0));
+  EXPECT_EQ(769, resizeFrame<T>(sy, suv, dy, nullptr, 16, 8, 8, 4, 0, 0, 0, 0));
+  EXPECT_EQ(d.y, guardedDestination(d.luma));
+  EXPECT_EQ(d.uv, guardedDestination(d.chroma));
+}
+
+// 1920 x 1080 -> 100 x 56: scaleX 19.2 gives R = 20 > 16, the table path;
+// column 99 samples trunc(99 × 19.2) = 1900, row 55 trunc(55 × 1080 / 56)
+// = 1060.
+TEST(FrameResizeExamples, FullHdToWorkingSize) {
+  std::mt19937 rng(33);
+  Frame<uint8_t> s(1920, 1080, 0, false, true, rng);
+  Frame<uint8_t> d(100, 56, 0, false, false, rng);
+  s.y[1060 * 1920 + 1900] = 17;
+  s.y[1060 * 1920 + 1901] = 18;
+  s.y[1061 * 1920 + 1900] = 19;
+  ASSERT_EQ(0, resizeFrame<uint8_t>(s.y.data(), s.uv.data(),
+                                    d.y.data() + kFrame, d.uv.data() + kFrame,
+                                    1920, 1080, 100, 56, 0, 0, 0, 0));
+  EXPECT_EQ(17, d.y[kFrame + 55 * 100 + 99]);
+  EXPECT_TRUE(holds(d.y, d.luma, mapped(s.y.data(), s.luma, 100, 56)));
+  EXPECT_TRUE(holds(d.uv, d.chroma, mapped(s.uv.data(), s.chroma, 50, 28)));
+}
+
+TEST(FrameResizeExamples, EqualSizesReproduceAndNegativeSourceFlips) {
+  std::mt19937 rng(34);
+  for (const int w : {48, 8}) {  // table lookup, then table path (w < 16)
+    Frame<uint8_t> s(w, 6, 0, false, true, rng), d(w, 6, 0, false, false, rng);
+    ASSERT_EQ(
+        0, resizeFrame<uint8_t>(s.y.data(), s.uv.data(), d.y.data() + kFrame,
+                                d.uv.data() + kFrame, w, 6, w, 6, 0, 0, 0, 0));
+    EXPECT_TRUE(holds(d.y, d.luma, s.y));
+    EXPECT_TRUE(holds(d.uv, d.chroma, s.uv));
+
+    const uint8_t* last = s.y.data() + 5 * w;
+    ASSERT_EQ(
+        0, resizeFrame<uint8_t>(last, s.uv.data(), d.y.data() + kFrame,
+                                d.uv.data() + kFrame, w, 6, w, 6, -w, 0, 0, 0));
+    for (int y = 0; y < 6; ++y) {
+      EXPECT_TRUE(std::equal(last - y * w, last - y * w + w,
+                             d.y.begin() + kFrame + (5 - y) * w));
+    }
+  }
+}
+
+TEST(FrameResizeExamples, TwoByTwoDoublesBothPlanes) {
+  const uint8_t y[4] = {1, 2, 3, 4}, uv[2] = {50, 60};
+  uint8_t dy[16], duv[8];
+  ASSERT_EQ(0, resizeFrame<uint8_t>(y, uv, dy, duv, 2, 2, 4, 4, 0, 0, 0, 0));
+  EXPECT_EQ(
+      std::vector<uint8_t>(dy, dy + 16),
+      (std::vector<uint8_t>{1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4}));
+  EXPECT_EQ(std::vector<uint8_t>(duv, duv + 8),
+            (std::vector<uint8_t>{50, 60, 50, 60, 50, 60, 50, 60}));
+}
+
+}  // namespace

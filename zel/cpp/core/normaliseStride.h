@@ -1,0 +1,26 @@
+// The image library's stride convention: 0 means a packed row and a negative
+// stride means rows at decreasing addresses from the given pointer. Kernels
+// normalise both cases to a positive stride from the lowest row.
+#ifndef ZEL_CPP_CORE_NORMALISESTRIDE_H_
+#define ZEL_CPP_CORE_NORMALISESTRIDE_H_
+
+#include <cstddef>
+
+#include "zel/cpp/core/wrap32.h"
+
+namespace zel::cpp {
+
+// `packed` is the stride of a packed row; `height` the image's rows.
+template <typename P>
+void normaliseStride(P*& image, int& stride, int packed, int height) {
+  if (stride == 0) {
+    stride = packed;
+  } else if (stride < 0) {
+    image += static_cast<ptrdiff_t>(height - 1) * stride;
+    stride = negWrap32(stride);
+  }
+}
+
+}  // namespace zel::cpp
+
+#endif  // ZEL_CPP_CORE_NORMALISESTRIDE_H_
