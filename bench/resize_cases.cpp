@@ -39,4 +39,9 @@ std::size_t touchedBytes(ResizeCase to) {
   return rows * kFrameStride;
 }
 
+ResizeOutput::ResizeOutput(ResizeCase to)
+    : size(to),
+      y(new uint8_t[std::size_t{1} * to.width * to.height]()),
+      vu(new uint8_t[std::size_t{1} * to.width * to.height / 2]()) {}
+
 }  // namespace bench

@@ -5,6 +5,8 @@
 #define PAVONA_BENCH_RESIZE_CASES_H_
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string>
 
 #include "bench/nv21_frames.h"
@@ -29,6 +31,15 @@ std::string touchedCopyName(ResizeCase to, Cache cache);
 // sampling reads for this size. Every sampled row is read across its width
 // in steps below a cache line, so these are the bytes memory must deliver.
 std::size_t touchedBytes(ResizeCase to);
+
+// The destination planes of one case, packed, allocated and written once
+// before any timing.
+struct ResizeOutput {
+  explicit ResizeOutput(ResizeCase to);
+  ResizeCase size;
+  std::unique_ptr<uint8_t[]> y;
+  std::unique_ptr<uint8_t[]> vu;
+};
 
 }  // namespace bench
 
