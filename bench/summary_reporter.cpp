@@ -134,11 +134,15 @@ void SummaryReporter::printTargets() const {
       "two benchmarks' fastest and slowest repetitions.\n");
   int met = 0;
   int missed = 0;
+  int width = 0;
+  for (const Target& target : targets_) {
+    width = std::max(width, static_cast<int>(target.label.size()));
+  }
   for (const Target& target : targets_) {
     const auto ours = samples_.find(target.ours);
     const auto reference = samples_.find(target.reference);
     if (ours == samples_.end() || reference == samples_.end()) {
-      std::printf("  %-50s not run (%s)\n", target.label.c_str(),
+      std::printf("  %-*s not run (%s)\n", width, target.label.c_str(),
                   ours == samples_.end() ? target.ours.c_str()
                                          : target.reference.c_str());
       continue;
@@ -154,8 +158,8 @@ void SummaryReporter::printTargets() const {
     const double ratio = median(a) / median(b);
     const auto [aLow, aHigh] = std::minmax_element(a.begin(), a.end());
     const auto [bLow, bHigh] = std::minmax_element(b.begin(), b.end());
-    std::printf("  %-50s %6.3f (%.3f - %.3f)", target.label.c_str(), ratio,
-                *aLow / *bHigh, *aHigh / *bLow);
+    std::printf("  %-*s %6.3f (%.3f - %.3f)", width, target.label.c_str(),
+                ratio, *aLow / *bHigh, *aHigh / *bLow);
     if (target.limit > 0) {
       const bool ok = ratio <= target.limit;
       (ok ? met : missed)++;

@@ -1,5 +1,6 @@
 #include "bench/targets.h"
 
+#include "bench/colorconv_cases.h"
 #include "bench/kmeans_cases.h"
 #include "bench/resize_cases.h"
 
@@ -34,6 +35,22 @@ void resizeTargets(std::vector<Target>& list) {
   }
 }
 
+void convertTargets(std::vector<Target>& list) {
+  for (ConvertSize size : kConvertSizes) {
+    const std::string what = "YUV to float RGB " + std::to_string(size.width) +
+                             "x" + std::to_string(size.height);
+    const std::string ours = convertName(size, "nv21", "pavona");
+    list.push_back({what + " vs libyuv", ours,
+                    convertName(size, "nv21", "libyuv"), Metric::kTime,
+                    size.width == 124 ? 1.0 : 0.8});
+    list.push_back({what + " vs libyuv, plain float loop", ours,
+                    convertName(size, "nv21_floatloop", "libyuv"),
+                    Metric::kTime, 0.0});
+    list.push_back({what + " vs opencv", ours,
+                    convertName(size, "nv21", "opencv"), Metric::kTime, 0.0});
+  }
+}
+
 void kmeansTargets(std::vector<Target>& list) {
   for (int k : kKMeansCounts) {
     list.push_back({"k-means k=" + std::to_string(k) + ", time a pass",
@@ -52,6 +69,7 @@ void kmeansTargets(std::vector<Target>& list) {
 std::vector<Target> targets() {
   std::vector<Target> list;
   resizeTargets(list);
+  convertTargets(list);
   kmeansTargets(list);
   return list;
 }
