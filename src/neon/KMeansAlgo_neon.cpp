@@ -3,6 +3,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -175,7 +176,13 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
   initClusters(points, width, height);
 
   const std::unique_ptr<int[]> labels(new int[count]);
-  const std::unique_ptr<float[]> nearest(new float[count]);
+  // One float block: the sample planes the assignment reads, split once
+  // for every pass, then the nearest distances.
+  const std::unique_ptr<float[]> floats(
+      new float[4 * static_cast<std::size_t>(count)]);
+  const pavona::internal::SamplePlanes planes =
+      pavona::internal::splitSamples_NEON(points, count, floats.get());
+  float* const nearest = floats.get() + 3 * static_cast<std::size_t>(count);
   std::vector<_Point> centres(k > 0 ? k : 0);
   std::vector<ListSum> sums(k > 0 ? k : 0);
   // Without clusters no list takes the samples.
@@ -197,8 +204,8 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       // The starting centre counts as one member: the mean is damped.
       add(sums[i], &centres[i], &centres[i] + 1);
     }
-    pavona::internal::assignNearestFromFar_NEON(points, count, centres.data(),
-                                                k, nearest.get(), labels.get());
+    pavona::internal::assignNearest_NEON(planes, count, centres.data(), k,
+                                         nearest, labels.get());
     addMembers(points, labels.get(), members, sums.data());
 
     float largestShift = FLT_MIN;
