@@ -11,15 +11,12 @@
 #include <vector>
 
 #include "bench/kmeans_cases.h"
+#include "bench/kmeans_opencv_settings.h"
 #include "bench/photo_points.h"
 
 namespace bench {
 
 namespace {
-
-// Our loop runs at most 502 passes; the peer gets as many.
-constexpr int kMaxPasses = 502;
-constexpr uint64_t kSeed = 1;
 
 cv::Mat pointsMat() {
   const std::vector<_Point>& points = photoPoints();
@@ -34,12 +31,9 @@ struct Clustering {
 };
 
 void cluster(const cv::Mat& points, int k, int maxPasses, Clustering& out) {
-  cv::theRNG().state = kSeed;
-  out.compactness = cv::kmeans(
-      points, k, out.labels,
-      cv::TermCriteria(cv::TermCriteria::MAX_ITER + cv::TermCriteria::EPS,
-                       maxPasses, kKMeansThreshold),
-      1, cv::KMEANS_RANDOM_CENTERS, out.centres);
+  cv::theRNG().state = kOpenCVSeed;
+  out.compactness = cv::kmeans(points, k, out.labels, kmeansCriteria(maxPasses),
+                               1, cv::KMEANS_RANDOM_CENTERS, out.centres);
 }
 
 bool identical(const cv::Mat& a, const cv::Mat& b) {
@@ -91,7 +85,7 @@ void kmeansOpenCV(benchmark::State& state, int k, int maxPasses) {
 const bool kRegistered = [] {
   for (int k : kKMeansCounts) {
     benchmark::RegisterBenchmark(kmeansName(k, "opencv").c_str(), kmeansOpenCV,
-                                 k, kMaxPasses);
+                                 k, kOpenCVMaxPasses);
     benchmark::RegisterBenchmark(kmeansPassName(k, "opencv").c_str(),
                                  kmeansOpenCV, k, 1);
   }

@@ -1,6 +1,7 @@
 #include "bench/targets.h"
 
 #include "bench/colorconv_cases.h"
+#include "bench/frame_cases.h"
 #include "bench/kmeans_cases.h"
 #include "bench/resize_cases.h"
 
@@ -64,6 +65,15 @@ void kmeansTargets(std::vector<Target>& list) {
   }
 }
 
+void frameTargets(std::vector<Target>& list) {
+  for (Cache cache : {Cache::kWarm, Cache::kCold}) {
+    list.push_back({std::string("whole frame k=3, ") + cacheName(cache) +
+                        " vs the opencv pipeline",
+                    frameName(cache, "pavona"), frameName(cache, "opencv"),
+                    Metric::kTime, 0.3});
+  }
+}
+
 }  // namespace
 
 std::vector<Target> targets() {
@@ -71,6 +81,7 @@ std::vector<Target> targets() {
   resizeTargets(list);
   convertTargets(list);
   kmeansTargets(list);
+  frameTargets(list);
   return list;
 }
 

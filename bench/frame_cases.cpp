@@ -1,0 +1,11 @@
+#include "bench/frame_cases.h"
+
+namespace bench {
+
+std::string frameName(Cache cache, const char* implementation) {
+  return "frame/" + std::to_string(kFrameWidth) + "x" +
+         std::to_string(kFrameHeight) + "_k" + std::to_string(kFrameColours) +
+         "_" + cacheName(cache) + "/" + implementation;
+}
+
+}  // namespace bench
