@@ -9,10 +9,16 @@ all: demo
 deps:
 	@scripts/install-deps
 
+DEMO_DIR := build/release/demo
+
 demo: deps
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release
 	@build/release/tools/host_example
+	@echo
+	@build/release/tools/pavona/pavona --preview $(DEMO_DIR)/ samples/*.jpg
+	@echo
+	@echo "Previews of the palettes: $(DEMO_DIR)/*.png"
 
 test: deps
 	@failed=(); \

@@ -1,4 +1,5 @@
-// Our resize of a 4000 x 3000 NV21 frame, both planes, warm and cold.
+// Our resize of a 4000 x 3000 NV21 frame, both planes, warm and cold; and
+// an equal-size luma copy through the byte-lookup kernel.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -11,7 +12,24 @@ namespace bench {
 
 namespace {
 
+void copyLumaThroughLookup(benchmark::State& state) {
+  using Luma = zel::neon::imgproc::internal_resize_v00::Resize_v00<
+      uint8_t, 1, 1, zel::INTERP_NEAREST, float, 0, false>;
+  const std::unique_ptr<uint8_t[]> copy(new uint8_t[kLumaBytes]());
+  FrameSource source(Cache::kWarm);
+  const Nv21Frame frame = source.next();
+  for (auto _ : state) {
+    const int32_t status =
+        Luma::resize(frame.y, copy.get(), kFrameWidth, kFrameHeight,
+                     kFrameWidth, kFrameHeight, kFrameStride, kFrameStride);
+    benchmark::DoNotOptimize(status);
+    benchmark::ClobberMemory();
+  }
+}
+
 const bool kRegistered = [] {
+  benchmark::RegisterBenchmark("resize/luma_4000x3000_equal_size/pavona",
+                               copyLumaThroughLookup);
   for (ResizeCase to : kResizeCases) {
     for (Cache cache : {Cache::kWarm, Cache::kCold}) {
       auto out = std::make_shared<ResizeOutput>(to);

@@ -9,24 +9,13 @@
 namespace zel::neon::imgproc::internal_resize_v00 {
 namespace {
 
-// Lines the prefetch steps by: the usual data-cache line.
-constexpr std::size_t kLine = 64;
-// Sampled rows prefetched ahead of the one being copied.
-constexpr int32_t kRowsAhead = 2;
+// Each output row samples a new source row, usually cold (a frame reduced
+// 32 times uses one source row in 32). Once a row is under way the hardware
+// follows its constant stride; the first lines of the next sampled row are
+// requested early so that its start does not wait for the jump.
+constexpr std::size_t kCacheLine = 64;
+constexpr std::size_t kLeadLines = 2;
 
-template <typename U>
-void copyPixel(const uint8_t* row, int32_t column, uint8_t* d, int32_t x) {
-  U pixel;
-  std::memcpy(&pixel, row + static_cast<std::size_t>(column) * sizeof(U),
-              sizeof(U));
-  std::memcpy(d + static_cast<std::size_t>(x) * sizeof(U), &pixel, sizeof(U));
-}
-
-// Each output row samples one source row that is usually cold (a frame
-// reduced 32 times touches one source row in 32, each far from the last,
-// where hardware prefetchers do not look ahead), so the span of sampled
-// columns of the row kRowsAhead further down is prefetched a line at a
-// time before the current row is copied.
 template <typename U>
 void copySampledRows(const uint8_t* src, uint8_t* dst, const int32_t* column,
                      int32_t dstWidth, int32_t dstHeight, float scaleY,
@@ -36,29 +25,29 @@ void copySampledRows(const uint8_t* src, uint8_t* dst, const int32_t* column,
     return src + static_cast<std::ptrdiff_t>(sy) * srcStride;
   };
   const std::size_t first = static_cast<std::size_t>(column[0]) * sizeof(U);
-  const std::size_t last =
-      static_cast<std::size_t>(column[dstWidth - 1]) * sizeof(U);
-  const auto prefetchRow = [&](int32_t y) {
-    const uint8_t* row = sourceRow(y);
-    for (std::size_t offset = first; offset <= last; offset += kLine) {
-      __builtin_prefetch(row + offset);
-    }
-    __builtin_prefetch(row + last);
-  };
-  for (int32_t y = 0; y < kRowsAhead && y < dstHeight; ++y) prefetchRow(y);
+  const uint8_t* row = sourceRow(0);
   for (int32_t y = 0; y < dstHeight; ++y) {
-    if (y + kRowsAhead < dstHeight) prefetchRow(y + kRowsAhead);
-    const uint8_t* row = sourceRow(y);
-    uint8_t* d = dst + static_cast<std::ptrdiff_t>(y) * dstStride;
-    // Four pixels a step: the loop's own work is shared by four copies.
-    int32_t x = 0;
-    for (; x + 4 <= dstWidth; x += 4) {
-      copyPixel<U>(row, column[x], d, x);
-      copyPixel<U>(row, column[x + 1], d, x + 1);
-      copyPixel<U>(row, column[x + 2], d, x + 2);
-      copyPixel<U>(row, column[x + 3], d, x + 3);
+    const uint8_t* next = y + 1 < dstHeight ? sourceRow(y + 1) : row;
+    for (std::size_t line = 0; line < kLeadLines; ++line) {
+      __builtin_prefetch(next + first + line * kCacheLine);
     }
-    for (; x < dstWidth; ++x) copyPixel<U>(row, column[x], d, x);
+    uint8_t* d = dst + static_cast<std::ptrdiff_t>(y) * dstStride;
+    int32_t x = 0;
+    for (; dstWidth - x >= 4; x += 4) {
+      U px[4];
+      for (int k = 0; k < 4; ++k) {
+        std::memcpy(&px[k],
+                    row + static_cast<std::size_t>(column[x + k]) * sizeof(U),
+                    sizeof(U));
+      }
+      std::memcpy(d + x * sizeof(U), px, sizeof(px));
+    }
+    for (; x < dstWidth; ++x) {
+      std::memcpy(d + x * sizeof(U),
+                  row + static_cast<std::size_t>(column[x]) * sizeof(U),
+                  sizeof(U));
+    }
+    row = next;
   }
 }
 

@@ -1,0 +1,307 @@
+// Decoding, raw frames and the RGB-to-YUV conversion of the pavona tool.
+// The round trip decodes with the plug-in's equations written out here, in
+// the plug-in's own float order, independently of the tool's inverse.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tools/pavona/file_bytes.h"
+#include "tools/pavona/image_decode.h"
+#include "tools/pavona/png_write.h"
+#include "tools/pavona/raw_frame.h"
+#include "tools/pavona/tool_error.h"
+#include "tools/pavona/yuv_convert.h"
+
+namespace pavona::tool {
+namespace {
+
+using Rgb = std::array<int, 3>;
+
+// The plug-in's YUV-to-RGB of one pixel: float products, round half up,
+// clamp to [0, maximum].
+Rgb pluginToRgb(int y, int u, int v, int bits) {
+  const float offset = static_cast<float>(1 << (bits - 1));
+  const float maximum = static_cast<float>((1 << bits) - 1);
+  const float dv = static_cast<float>(v) + -offset;
+  const float du = static_cast<float>(u) + -offset;
+  const float rV = dv * 1.402f, gV = dv * 0.714f, gU = du * 0.344f,
+              bU = du * 1.772f;
+  const float fy = static_cast<float>(y);
+  auto out = [&](float value) {
+    if (value < 0) return 0;
+    return static_cast<int>(std::min(value, maximum) + 0.5f);
+  };
+  return {out(rV + fy), out((fy - gV) - gU), out(bU + fy)};
+}
+
+int sampleAt(const YuvFrame& frame, const uint8_t* plane, int x, int row) {
+  const uint8_t* at =
+      plane + size_t(row) * frame.stride + x * bytesPerSample(frame.format);
+  if (frame.format != IMAGE_FORMAT_YUV420SP_10BIT) return *at;
+  uint16_t word;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+// Decodes pixel (x, y) of `frame` the way the plug-in reads its layout.
+Rgb frameToRgb(YuvFrame& frame, int x, int y) {
+  const bool uFirst = frame.format != IMAGE_FORMAT_NV21;
+  const int c0 = sampleAt(frame, frame.uvPlane(), x & ~1, y / 2);
+  const int c1 = sampleAt(frame, frame.uvPlane(), (x & ~1) + 1, y / 2);
+  const int bits = frame.format == IMAGE_FORMAT_YUV420SP_10BIT ? 10 : 8;
+  return pluginToRgb(sampleAt(frame, frame.yPlane(), x, y), uFirst ? c0 : c1,
+                     uFirst ? c1 : c0, bits);
+}
+
+// 4096 colours (every channel on a lattice of step 17), each filling one
+// 2x2 block, so that a block's shared chroma belongs to one colour.
+RgbImage latticeOfBlocks() {
+  RgbImage image;
+  image.width = 128;
+  image.height = 128;
+  image.pixels.resize(size_t{3} * 128 * 128);
+  int index = 0;
+  for (int by = 0; by < 64; ++by) {
+    for (int bx = 0; bx < 64; ++bx, ++index) {
+      const Rgb colour = {index / 256 * 17, index / 16 % 16 * 17,
+                          index % 16 * 17};
+      for (int dy = 0; dy < 2; ++dy) {
+        for (int dx = 0; dx < 2; ++dx) {
+          uint8_t* p = &image.pixels[3 * ((2 * by + dy) * 128 + (2 * bx + dx))];
+          for (int c = 0; c < 3; ++c) p[c] = static_cast<uint8_t>(colour[c]);
+        }
+      }
+    }
+  }
+  return image;
+}
+
+RgbImage uniform(int width, int height, Rgb colour) {
+  RgbImage image;
+  image.width = width;
+  image.height = height;
+  for (int i = 0; i < width * height; ++i) {
+    for (int c = 0; c < 3; ++c) {
+      image.pixels.push_back(static_cast<uint8_t>(colour[c]));
+    }
+  }
+  return image;
+}
+
+class RoundTrip : public ::testing::TestWithParam<IMAGE_FORMAT_TYPE> {};
+
+TEST_P(RoundTrip, EveryLatticeColourComesBackWithinOneStep) {
+  const RgbImage image = latticeOfBlocks();
+  YuvFrame frame = rgbToSemiPlanar(image, GetParam());
+  ASSERT_EQ(frame.width, 128);
+  ASSERT_EQ(frame.height, 128);
+  const bool tenBit = GetParam() == IMAGE_FORMAT_YUV420SP_10BIT;
+  // A 10-bit result is compared with the 8-bit colour scaled to 10 bits:
+  // half a step from rounding plus the chroma and luma rounding errors.
+  const double tolerance = tenBit ? 2.0 : 1.0;
+  for (int y = 0; y < 128; ++y) {
+    for (int x = 0; x < 128; ++x) {
+      const Rgb back = frameToRgb(frame, x, y);
+      for (int c = 0; c < 3; ++c) {
+        const int original = image.pixels[3 * (y * 128 + x) + c];
+        const double expected = tenBit ? original * 1023.0 / 255.0 : original;
+        ASSERT_LE(std::fabs(back[c] - expected), tolerance)
+            << "pixel " << x << "," << y << " channel " << c;
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, RoundTrip,
+                         ::testing::Values(IMAGE_FORMAT_NV21, IMAGE_FORMAT_NV12,
+                                           IMAGE_FORMAT_YUV420SP_10BIT));
+
+TEST(RgbToSemiPlanar, GreysAreExactWithNeutralChroma) {
+  for (int grey = 0; grey <= 255; grey += 15) {
+    YuvFrame nv21 =
+        rgbToSemiPlanar(uniform(2, 2, {grey, grey, grey}), IMAGE_FORMAT_NV21);
+    EXPECT_EQ(nv21.bytes,
+              std::vector<uint8_t>({uint8_t(grey), uint8_t(grey), uint8_t(grey),
+                                    uint8_t(grey), 128, 128}));
+    YuvFrame tenBit = rgbToSemiPlanar(uniform(2, 2, {grey, grey, grey}),
+                                      IMAGE_FORMAT_YUV420SP_10BIT);
+    // 1023 / 255 = 4.0118: grey 255 gives 1023, grey 15 gives 60.18 -> 60.
+    const int expected = static_cast<int>(grey * 1023.0 / 255.0 + 0.5);
+    EXPECT_EQ(sampleAt(tenBit, tenBit.yPlane(), 1, 1), expected);
+    EXPECT_EQ(sampleAt(tenBit, tenBit.uvPlane(), 0, 0), 512);
+    EXPECT_EQ(sampleAt(tenBit, tenBit.uvPlane(), 1, 0), 512);
+  }
+}
+
+TEST(RgbToSemiPlanar, ChromaOrderFollowsTheFormat) {
+  // Red has V far above 128 and U below it.
+  YuvFrame nv21 =
+      rgbToSemiPlanar(uniform(2, 2, {255, 0, 0}), IMAGE_FORMAT_NV21);
+  YuvFrame nv12 =
+      rgbToSemiPlanar(uniform(2, 2, {255, 0, 0}), IMAGE_FORMAT_NV12);
+  EXPECT_GT(nv21.uvPlane()[0], 200);
+  EXPECT_LT(nv21.uvPlane()[1], 128);
+  EXPECT_EQ(nv12.uvPlane()[0], nv21.uvPlane()[1]);
+  EXPECT_EQ(nv12.uvPlane()[1], nv21.uvPlane()[0]);
+}
+
+TEST(RgbToSemiPlanar, ChromaIsTheMeanOfTheBlock) {
+  // The conversion is linear, so the mean chroma of a block split between
+  // two colours is the chroma of their mean colour.
+  const Rgb a = {200, 40, 10}, b = {20, 100, 250}, mean = {110, 70, 130};
+  RgbImage split = uniform(2, 2, a);
+  std::copy(b.begin(), b.end(), split.pixels.begin() + 3);
+  std::copy(b.begin(), b.end(), split.pixels.begin() + 9);
+  YuvFrame mixed = rgbToSemiPlanar(split, IMAGE_FORMAT_NV21);
+  YuvFrame ofMean = rgbToSemiPlanar(uniform(2, 2, mean), IMAGE_FORMAT_NV21);
+  YuvFrame ofA = rgbToSemiPlanar(uniform(2, 2, a), IMAGE_FORMAT_NV21);
+  YuvFrame ofB = rgbToSemiPlanar(uniform(2, 2, b), IMAGE_FORMAT_NV21);
+  EXPECT_EQ(mixed.uvPlane()[0], ofMean.uvPlane()[0]);
+  EXPECT_EQ(mixed.uvPlane()[1], ofMean.uvPlane()[1]);
+  EXPECT_EQ(mixed.yPlane()[0], ofA.yPlane()[0]);
+  EXPECT_EQ(mixed.yPlane()[1], ofB.yPlane()[0]);
+  EXPECT_EQ(mixed.yPlane()[2], ofA.yPlane()[0]);
+  EXPECT_EQ(mixed.yPlane()[3], ofB.yPlane()[0]);
+}
+
+TEST(RgbToSemiPlanar, OddSizesAreCroppedToEven) {
+  YuvFrame frame =
+      rgbToSemiPlanar(uniform(5, 3, {9, 9, 9}), IMAGE_FORMAT_YUV420SP_10BIT);
+  EXPECT_EQ(frame.width, 4);
+  EXPECT_EQ(frame.height, 2);
+  EXPECT_EQ(frame.stride, 8);
+  EXPECT_EQ(frame.bytes.size(), 24u);
+  EXPECT_THROW(rgbToSemiPlanar(uniform(1, 6, {0, 0, 0}), IMAGE_FORMAT_NV21),
+               ToolError);
+  EXPECT_THROW(
+      rgbToSemiPlanar(uniform(2, 2, {0, 0, 0}), IMAGE_FORMAT_RESERVED10),
+      ToolError);
+}
+
+class TempFile {
+ public:
+  explicit TempFile(const char* suffix)
+      : path_(::testing::TempDir() + "pavona_tool_io_" +
+              ::testing::UnitTest::GetInstance()->current_test_info()->name() +
+              suffix) {}
+  ~TempFile() { std::remove(path_.c_str()); }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+std::vector<uint8_t> sample(const char* name) {
+  return readFileBytes(std::string(PAVONA_SAMPLES_DIR) + "/" + name);
+}
+
+std::string decodeError(const std::vector<uint8_t>& bytes) {
+  try {
+    decodeImage(bytes.data(), bytes.size());
+  } catch (const ToolError& error) {
+    return error.what();
+  }
+  return "(decoded)";
+}
+
+TEST(Decode, PngWrittenAndReadBackIsIdentical) {
+  RgbImage image = latticeOfBlocks();
+  image.height = 6;  // odd-looking but valid: the first six rows
+  image.width = 128;
+  image.pixels.resize(size_t{3} * 128 * 6);
+  TempFile file(".png");
+  writePng(file.path(), image);
+  const std::vector<uint8_t> bytes = readFileBytes(file.path());
+  const RgbImage back = decodeImage(bytes.data(), bytes.size());
+  EXPECT_EQ(back.width, 128);
+  EXPECT_EQ(back.height, 6);
+  EXPECT_EQ(back.pixels, image.pixels);
+}
+
+TEST(Decode, BundledJpegSamplesHaveTheirSizes) {
+  const std::vector<uint8_t> coffee = sample("coffee.jpg");
+  const RgbImage image = decodeImage(coffee.data(), coffee.size());
+  EXPECT_EQ(image.width, 600);
+  EXPECT_EQ(image.height, 400);
+  EXPECT_EQ(image.pixels.size(), size_t{600} * 400 * 3);
+  const std::vector<uint8_t> chelsea = sample("chelsea.jpg");
+  EXPECT_EQ(decodeImage(chelsea.data(), chelsea.size()).width, 451);
+}
+
+TEST(Decode, TruncatedOrForeignDataIsRefusedWithAReason) {
+  std::vector<uint8_t> jpeg = sample("rocket.jpg");
+  jpeg.resize(jpeg.size() / 2);
+  EXPECT_NE(decodeError(jpeg).find("bad JPEG"), std::string::npos)
+      << decodeError(jpeg);
+
+  RgbImage image = uniform(64, 64, {10, 200, 30});
+  TempFile file(".png");
+  writePng(file.path(), image);
+  std::vector<uint8_t> png = readFileBytes(file.path());
+  png.resize(png.size() - 20);
+  EXPECT_NE(decodeError(png).find("bad PNG"), std::string::npos)
+      << decodeError(png);
+
+  EXPECT_EQ(decodeError({}), "empty file");
+  const std::string text = "P6 not a supported picture";
+  EXPECT_NE(decodeError({text.begin(), text.end()}).find("not a PNG or JPEG"),
+            std::string::npos);
+}
+
+TEST(Decode, MissingFileAndUnwritablePathReportTheSystemReason) {
+  try {
+    readFileBytes("/nonexistent/pavona.png");
+    FAIL() << "read a missing file";
+  } catch (const ToolError& error) {
+    EXPECT_STREQ(error.what(), "No such file or directory");
+  }
+  EXPECT_THROW(writePng("/nonexistent/dir/out.png", uniform(2, 2, {1, 2, 3})),
+               ToolError);
+}
+
+TEST(RawFrame, SizeCountsStrideAndSampleWidth) {
+  // 720 rows of 640 bytes; with a stride every row but the last is padded.
+  EXPECT_EQ(rawFrameBytes({IMAGE_FORMAT_NV21, 640, 480, 0}), 460800);
+  EXPECT_EQ(rawFrameBytes({IMAGE_FORMAT_NV12, 640, 480, 704}), 719 * 704 + 640);
+  EXPECT_EQ(rawFrameBytes({IMAGE_FORMAT_YUV420SP_10BIT, 640, 480, 0}), 921600);
+}
+
+TEST(RawFrame, ShortDataIsRefusedAndLongDataNoted) {
+  const RawLayout layout = {IMAGE_FORMAT_NV21, 4, 2, 0};
+  try {
+    rawFrameFromBytes(std::vector<uint8_t>(11), layout, nullptr);
+    FAIL() << "accepted 11 bytes for a 12-byte frame";
+  } catch (const ToolError& error) {
+    EXPECT_STREQ(error.what(),
+                 "11 bytes, but a 4x2 nv21 frame with stride 4 needs 12");
+  }
+  std::string note;
+  YuvFrame frame = rawFrameFromBytes(std::vector<uint8_t>(14), layout, &note);
+  EXPECT_EQ(note,
+            "2 bytes more than a 4x2 nv21 frame with stride 4; the rest is "
+            "ignored");
+  EXPECT_EQ(frame.stride, 4);
+}
+
+TEST(RawFrame, TenBitWordsAreLittleEndian) {
+  std::vector<uint8_t> bytes(12, 0);
+  bytes[0] = 0xFF;  // first luma word: 0x03FF = 1023
+  bytes[1] = 0x03;
+  bytes[8] = 0x00;  // first chroma word (U): 0x0200 = 512
+  bytes[9] = 0x02;
+  YuvFrame frame =
+      rawFrameFromBytes(bytes, {IMAGE_FORMAT_YUV420SP_10BIT, 2, 2, 0}, nullptr);
+  EXPECT_EQ(sampleAt(frame, frame.yPlane(), 0, 0), 1023);
+  EXPECT_EQ(sampleAt(frame, frame.uvPlane(), 0, 0), 512);
+  EXPECT_EQ(frame.stride, 4);
+}
+
+}  // namespace
+}  // namespace pavona::tool

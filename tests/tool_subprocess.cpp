@@ -1,0 +1,61 @@
+#include "tests/tool_subprocess.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace pavona::testing {
+namespace {
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+}  // namespace
+
+ToolRun runTool(const std::vector<std::string>& args,
+                const std::vector<std::string>& environment) {
+  char outPath[] = "/tmp/pavona_tool_out_XXXXXX";
+  char errPath[] = "/tmp/pavona_tool_err_XXXXXX";
+  const int outFd = mkstemp(outPath);
+  const int errFd = mkstemp(errPath);
+  if (outFd < 0 || errFd < 0) throw std::runtime_error("mkstemp failed");
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(outFd, STDOUT_FILENO);
+    dup2(errFd, STDERR_FILENO);
+    close(STDIN_FILENO);
+    for (const std::string& entry : environment) {
+      putenv(const_cast<char*>(entry.c_str()));
+    }
+    std::vector<char*> argv = {const_cast<char*>(PAVONA_TOOL_PATH)};
+    for (const std::string& arg : args) {
+      argv.push_back(const_cast<char*>(arg.c_str()));
+    }
+    argv.push_back(nullptr);
+    execv(PAVONA_TOOL_PATH, argv.data());
+    _exit(127);
+  }
+  int wstatus = 0;
+  waitpid(child, &wstatus, 0);
+  close(outFd);
+  close(errFd);
+  ToolRun run;
+  run.status = WIFEXITED(wstatus) ? WEXITSTATUS(wstatus) : -1;
+  run.out = slurp(outPath);
+  run.err = slurp(errPath);
+  std::remove(outPath);
+  std::remove(errPath);
+  return run;
+}
+
+}  // namespace pavona::testing

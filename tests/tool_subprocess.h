@@ -1,0 +1,24 @@
+// Runs the built pavona binary as a user would, collecting what it prints.
+#ifndef PAVONA_TESTS_TOOL_SUBPROCESS_H_
+#define PAVONA_TESTS_TOOL_SUBPROCESS_H_
+
+#include <string>
+#include <vector>
+
+namespace pavona::testing {
+
+struct ToolRun {
+  int status = -1;  // exit status, or -1 if the tool did not exit normally
+  std::string out;
+  std::string err;
+};
+
+// Runs PAVONA_TOOL_PATH with `args`, stdout and stderr each captured to a
+// file (so neither is a terminal), and `environment` entries ("NAME=value")
+// added to the inherited environment.
+ToolRun runTool(const std::vector<std::string>& args,
+                const std::vector<std::string>& environment = {});
+
+}  // namespace pavona::testing
+
+#endif  // PAVONA_TESTS_TOOL_SUBPROCESS_H_

@@ -1,0 +1,16 @@
+// Reads a whole file into memory.
+#ifndef PAVONA_TOOLS_PAVONA_FILE_BYTES_H_
+#define PAVONA_TOOLS_PAVONA_FILE_BYTES_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pavona::tool {
+
+// The file's bytes; throws ToolError with the system's reason on failure.
+std::vector<uint8_t> readFileBytes(const std::string& path);
+
+}  // namespace pavona::tool
+
+#endif  // PAVONA_TOOLS_PAVONA_FILE_BYTES_H_

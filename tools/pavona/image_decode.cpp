@@ -1,0 +1,25 @@
+#include "tools/pavona/image_decode.h"
+
+#include <cstring>
+
+#include "tools/pavona/tool_error.h"
+
+namespace pavona::tool {
+
+RgbImage decodeImage(const uint8_t* data, size_t size) {
+  static const uint8_t kPngSignature[] = {0x89, 'P',  'N',  'G',
+                                          '\r', '\n', 0x1A, '\n'};
+  static const uint8_t kJpegSignature[] = {0xFF, 0xD8, 0xFF};
+  if (size >= sizeof kPngSignature &&
+      std::memcmp(data, kPngSignature, sizeof kPngSignature) == 0) {
+    return decodePng(data, size);
+  }
+  if (size >= sizeof kJpegSignature &&
+      std::memcmp(data, kJpegSignature, sizeof kJpegSignature) == 0) {
+    return decodeJpeg(data, size);
+  }
+  if (size == 0) throw ToolError("empty file");
+  throw ToolError("not a PNG or JPEG file (use --raw for camera frames)");
+}
+
+}  // namespace pavona::tool

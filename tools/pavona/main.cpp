@@ -1,0 +1,136 @@
+// pavona: shows the palette the plug-in extracts from pictures or raw
+// camera frames, as an engineer evaluating it would want to see it.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/pavona/frame_report.h"
+#include "tools/pavona/frame_source.h"
+#include "tools/pavona/json_output.h"
+#include "tools/pavona/options.h"
+#include "tools/pavona/palette_run.h"
+#include "tools/pavona/png_write.h"
+#include "tools/pavona/preview_path.h"
+#include "tools/pavona/progress_bar.h"
+#include "tools/pavona/text_output.h"
+#include "tools/pavona/tool_error.h"
+
+namespace pavona::tool {
+namespace {
+
+// More files than this get a progress bar on a terminal.
+constexpr size_t kQuietFileCount = 3;
+
+bool colourWanted(const Options& options) {
+  const char* noColor = std::getenv("NO_COLOR");
+  return !options.json && !options.noColor &&
+         (noColor == nullptr || *noColor == '\0') && isatty(STDOUT_FILENO);
+}
+
+FrameReport process(PaletteRunner& runner, const Options& options,
+                    size_t index) {
+  const std::string& path = options.inputs[index];
+  FrameReport report;
+  report.file = path;
+  try {
+    LoadedFrame loaded = loadFrame(options, path);
+    if (!loaded.note.empty()) {
+      std::fprintf(stderr, "pavona: %s: %s\n", path.c_str(),
+                   loaded.note.c_str());
+    }
+    const bool preview = !options.preview.empty();
+    PaletteRun run =
+        runner.run(loaded.frame, options.colors, preview, options.seed);
+    report.sourceWidth = loaded.sourceWidth;
+    report.sourceHeight = loaded.sourceHeight;
+    report.format = loaded.frame.format;
+    report.frameWidth = loaded.frame.width;
+    report.frameHeight = loaded.frame.height;
+    report.frameStride = loaded.frame.stride;
+    report.workingWidth = run.workingWidth;
+    report.workingHeight = run.workingHeight;
+    report.colorsRequested = options.colors;
+    report.passes = run.passes;
+    report.seed = options.seed;
+    report.colours = std::move(run.colours);
+    if (preview) {
+      const std::string target =
+          previewPath(options.preview, path, index, options.inputs.size());
+      writePng(target, run.preview);
+      report.preview = target;
+    }
+  } catch (const ToolError& error) {
+    report = FrameReport();
+    report.file = path;
+    report.error = error.what();
+  }
+  return report;
+}
+
+int runAll(const Options& options) {
+  if (!options.preview.empty() && options.preview.back() == '/') {
+    std::error_code error;
+    std::filesystem::create_directories(options.preview, error);
+  }
+  PaletteRunner runner(options.initWidth, options.initHeight,
+                       options.frameFormat(), options.verbose);
+  const bool swatches = colourWanted(options);
+  ProgressBar progress(options.inputs.size(),
+                       options.inputs.size() > kQuietFileCount &&
+                           !options.verbose && isatty(STDERR_FILENO));
+  std::vector<FrameReport> reports;
+  bool failed = false;
+  for (size_t i = 0; i < options.inputs.size(); ++i) {
+    progress.show(i, options.inputs[i]);
+    FrameReport report = process(runner, options, i);
+    progress.clear();
+    if (!report.error.empty()) {
+      std::fprintf(stderr, "pavona: %s: %s\n", report.file.c_str(),
+                   report.error.c_str());
+      failed = true;
+    } else if (!options.json) {
+      std::fputs(formatText(report, swatches).c_str(), stdout);
+      if (i + 1 < options.inputs.size()) std::fputs("\n", stdout);
+      std::fflush(stdout);
+    }
+    reports.push_back(std::move(report));
+  }
+  if (options.json) std::fputs(formatJson(reports).c_str(), stdout);
+  return failed ? 1 : 0;
+}
+
+int toolMain(const std::vector<std::string>& args) {
+  const ParsedOptions parsed = parseOptions(args);
+  if (!parsed.error.empty()) {
+    std::fprintf(stderr, "pavona: %s\n", parsed.error.c_str());
+    return 2;
+  }
+  const Options& options = parsed.options;
+  if (options.help) {
+    std::fputs(usageText().c_str(), stdout);
+    return 0;
+  }
+  if (options.version) {
+    std::printf("pavona %s\nplug-in %s\n", PAVONA_TOOL_VERSION,
+                pluginVersion());
+    return 0;
+  }
+  try {
+    return runAll(options);
+  } catch (const ToolError& error) {
+    std::fprintf(stderr, "pavona: %s\n", error.what());
+    return 1;
+  }
+}
+
+}  // namespace
+}  // namespace pavona::tool
+
+int main(int argc, char** argv) {
+  return pavona::tool::toolMain(
+      std::vector<std::string>(argv + 1, argv + argc));
+}

@@ -1,0 +1,68 @@
+// Runs frames through the plug-in exactly as a camera host does: through
+// the entry-point table only, one handle for the whole run. An observer on
+// the engine adds what the host's record does not carry: the preview
+// canvas, cluster populations and the pass count.
+#ifndef PAVONA_TOOLS_PAVONA_PALETTE_RUN_H_
+#define PAVONA_TOOLS_PAVONA_PALETTE_RUN_H_
+
+#include <optional>
+#include <vector>
+
+#include "api/pavona_host.h"
+#include "src/KImages.h"
+#include "tools/pavona/frame_report.h"
+#include "tools/pavona/rgb_image.h"
+#include "tools/pavona/yuv_frame.h"
+
+namespace pavona::tool {
+
+// The plug-in's version text (getVersion), without making a handle.
+const char* pluginVersion();
+
+struct PaletteRun {
+  std::vector<PaletteColour> colours;  // the rows the plug-in wrote
+  int passes = -1;
+  int workingWidth = 0;
+  int workingHeight = 0;
+  RgbImage preview;  // empty unless asked for
+};
+
+class PaletteRunner {
+ public:
+  // Makes a handle for frames of `format`, sized for initWidth x
+  // initHeight. The plug-in's console and Android log lines are kept off
+  // the tool's output, or sent to stderr with `verbose`. Throws ToolError
+  // when the plug-in cannot set up its engine.
+  PaletteRunner(int initWidth, int initHeight, IMAGE_FORMAT_TYPE format,
+                bool verbose);
+  ~PaletteRunner();
+  PaletteRunner(const PaletteRunner&) = delete;
+  PaletteRunner& operator=(const PaletteRunner&) = delete;
+
+  // One frame with `colors` passed on unclamped. `seed` reseeds rand()
+  // first. Throws ToolError when the plug-in writes no palette row.
+  PaletteRun run(YuvFrame& frame, int colors, bool preview,
+                 std::optional<unsigned> seed);
+
+ private:
+  class Observer : public KImagesObserver {
+   public:
+    void onPaletteCanvas(const uint8_t* rgb, int width, int height,
+                         int stride) override;
+    void onPaletteRows(const int* memberCounts, int rows, int passes) override;
+
+    RgbImage canvas;
+    std::vector<int> memberCounts;
+    int passes = -1;
+  };
+
+  PavonaApi api_{};
+  void* handle_ = nullptr;
+  KImages* engine_ = nullptr;
+  Observer observer_;
+  bool verbose_;
+};
+
+}  // namespace pavona::tool
+
+#endif  // PAVONA_TOOLS_PAVONA_PALETTE_RUN_H_
