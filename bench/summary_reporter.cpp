@@ -1,9 +1,10 @@
 #include "bench/summary_reporter.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iostream>
 #include <utility>
 
 namespace bench {
@@ -42,7 +43,7 @@ std::string cpuModel() {
 }  // namespace
 
 SummaryReporter::SummaryReporter(std::vector<Target> targets)
-    : targets_(std::move(targets)) {}
+    : targets_(std::move(targets)), progress_(isatty(STDERR_FILENO) != 0) {}
 
 bool SummaryReporter::ReportContext(const Context& context) {
   const benchmark::CPUInfo& cpu = context.cpu_info;
@@ -81,12 +82,12 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs) {
       sample.counters[counter.first] = counter.second.value;
     }
     samples_[name].push_back(sample);
-    std::fprintf(stderr, "\r%-60s", name.c_str());
+    if (progress_) std::fprintf(stderr, "\r%-60s", name.c_str());
   }
 }
 
 void SummaryReporter::Finalize() {
-  std::fprintf(stderr, "\r%-60s\r", "");
+  if (progress_) std::fprintf(stderr, "\r%-60s\r", "");
   printTable();
   printTargets();
   printNoise();

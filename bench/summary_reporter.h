@@ -36,6 +36,8 @@ class SummaryReporter : public benchmark::BenchmarkReporter {
   std::vector<Target> targets_;
   std::map<std::string, std::vector<Sample>> samples_;
   std::map<std::string, std::string> errors_;
+  // The name of each finished benchmark on one rewritten terminal line.
+  bool progress_;
 };
 
 }  // namespace bench
