@@ -1,6 +1,6 @@
 // Our k-means on the working points of a 4000 x 3000 frame: the whole
-// processKMeansAlgo, and a run cut to one pass by a threshold nothing can
-// stay above. Counters: passes a call, allocations a call.
+// processKMeansAlgo, and a run cut to one pass by a threshold every shift
+// falls below. Counters: passes a call, allocations a call.
 #include <benchmark/benchmark.h>
 
 #include <cfloat>
