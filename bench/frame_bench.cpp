@@ -1,5 +1,5 @@
 // The whole frame through the host's entry table, as a camera host makes
-// it: singleProcessImage on an NV21 frame, three colours, logs off and the
+// it: singleProcessImage on an NV21 frame, logs off and the
 // console silenced. Counters: allocations and allocated bytes a frame.
 #include <benchmark/benchmark.h>
 
@@ -16,7 +16,8 @@ namespace bench {
 
 namespace {
 
-void framePavona(benchmark::State& state, Cache cache) {
+void framePavona(benchmark::State& state, Cache cache, int colours,
+                 bool preview) {
   PavonaApi api{};
   get_algo_api(&api);
   uint64_t calls = 0;
@@ -31,7 +32,8 @@ void framePavona(benchmark::State& state, Cache cache) {
     void* handle = nullptr;
     api.algoInitHandle(&handle, &init);
     ProcessParamData param{};
-    param.colorNum = kFrameColours;
+    param.colorNum = colours;
+    param.showPalette = preview ? 1 : 0;
     timeFrames(state, cache, [&](Nv21Frame frame) {
       Image image{};
       image.format = IMAGE_FORMAT_NV21;
@@ -40,7 +42,7 @@ void framePavona(benchmark::State& state, Cache cache) {
       image.stride = kFrameStride;
       image.yPlane = frame.y;
       image.uvPlane = frame.vu;
-      // Random seeding (k = 3) starts alike every frame.
+      // Random seeding (k other than 4 and 8) starts alike every frame.
       std::srand(1);
       const Allocations before = allocationsSoFar();
       api.singleProcessImage(handle, &image, &param, nullptr);
@@ -57,9 +59,21 @@ void framePavona(benchmark::State& state, Cache cache) {
 
 const bool kRegistered = [] {
   for (Cache cache : {Cache::kWarm, Cache::kCold}) {
-    registerFrameBenchmark(
-        frameName(cache, "pavona"), cache,
-        [cache](benchmark::State& state) { framePavona(state, cache); });
+    registerFrameBenchmark(frameName(cache, "pavona"), cache,
+                           [cache](benchmark::State& state) {
+                             framePavona(state, cache, kFrameColours, false);
+                           });
+  }
+  // What more colours and the preview cost; warm only, no peer.
+  for (int colours : {3, 8, 20}) {
+    for (bool preview : {false, true}) {
+      if (colours == kFrameColours && !preview) continue;
+      registerFrameBenchmark(
+          frameName(Cache::kWarm, "pavona", colours, preview), Cache::kWarm,
+          [colours, preview](benchmark::State& state) {
+            framePavona(state, Cache::kWarm, colours, preview);
+          });
+    }
   }
   return true;
 }();

@@ -1,5 +1,6 @@
 // The whole-frame case: a 4000 x 3000 NV21 frame to a palette of three
-// colours, warm and cold.
+// colours, warm and cold, beside its peer; ours also for more colours and
+// with the preview rendered.
 #ifndef PAVONA_BENCH_FRAME_CASES_H_
 #define PAVONA_BENCH_FRAME_CASES_H_
 
@@ -15,8 +16,9 @@ constexpr int kFrameColours = 3;
 constexpr int kWorkingWidth = kFrameWidth / 32 & ~1;
 constexpr int kWorkingHeight = kFrameHeight / 32 & ~1;
 
-// "frame/4000x3000_k3_<warm|cold>/<implementation>"
-std::string frameName(Cache cache, const char* implementation);
+// "frame/4000x3000_k<colours>[_preview]_<warm|cold>/<implementation>"
+std::string frameName(Cache cache, const char* implementation,
+                      int colours = kFrameColours, bool preview = false);
 
 }  // namespace bench
 
