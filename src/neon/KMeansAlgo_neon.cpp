@@ -2,7 +2,6 @@
 
 #include <cfloat>
 #include <cmath>
-#include <cstdarg>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
@@ -17,12 +16,7 @@ namespace {
 
 // The k-means unit's console sink: it does not follow the API's log switch
 // and always prints 1 in its place.
-void logPrint(int level, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  pavona::printLogLine(level, 1, format, args);
-  va_end(args);
-}
+constexpr auto logPrint = pavona::logPrintIgnoringSwitch;
 
 // A pass counter above this ends the loop, so at most 502 passes run.
 constexpr int kMaxPassCounter = 500;
