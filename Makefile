@@ -58,6 +58,21 @@ soak: deps
 	@cmake --build --preset release --target soak_test
 	@PAVONA_SOAK_FRAMES=$(SOAK_FRAMES) build/release/tests/soak_test
 
+# Every benchmark, ours beside libyuv's and OpenCV's, repetitions shuffled
+# so that all run interleaved in one process; prints one table and the
+# targets' ratios. BENCH_ARGS passes more Google Benchmark flags, e.g.
+# BENCH_ARGS=--benchmark_filter=resize.
+BENCH_REPETITIONS ?= 10
+BENCH_MIN_TIME ?= 0.05
+bench:
+	@scripts/install-deps bench
+	@cmake --preset bench >/dev/null
+	@cmake --build --preset bench
+	@build/bench/bench/pavona_bench \
+	  --benchmark_repetitions=$(BENCH_REPETITIONS) \
+	  --benchmark_enable_random_interleaving=true \
+	  --benchmark_min_time=$(BENCH_MIN_TIME) $(BENCH_ARGS)
+
 format:
 	@git ls-files '*.c' '*.h' '*.cpp' | xargs clang-format -i
 

@@ -4,5 +4,8 @@
 #define PAVONA_API_EXPORT_H_
 
 #define PAVONA_EXPORT __attribute__((visibility("default")))
+// For members of exported classes that are not part of the interface, such
+// as the scalar twins kept for tests.
+#define PAVONA_HIDDEN __attribute__((visibility("hidden")))
 
 #endif  // PAVONA_API_EXPORT_H_

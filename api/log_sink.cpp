@@ -22,4 +22,11 @@ void printLogLine(int level, int status, const char* format, va_list args) {
   std::printf("set log status %d %d logText %s \n", level, status, text);
 }
 
+void logPrintIgnoringSwitch(int level, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  printLogLine(level, 1, format, args);
+  va_end(args);
+}
+
 }  // namespace pavona

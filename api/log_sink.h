@@ -23,6 +23,10 @@ const char* sourceBaseName(const char* path);
 // formatter would.
 void printLogLine(int level, int status, const char* format, va_list args);
 
+// The sink of the units whose lines ignore the log switch (the facade and
+// k-means): prints 1 where the switch's value would go.
+void logPrintIgnoringSwitch(int level, const char* format, ...);
+
 }  // namespace pavona
 
 #define PAVONA_LOG_AT(level, tag, format, ...)                     \

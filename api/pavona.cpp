@@ -1,6 +1,5 @@
 #include "api/pavona.h"
 
-#include <cstdarg>
 #include <memory>
 
 #include "api/log_sink.h"
@@ -9,12 +8,7 @@
 namespace {
 
 // The facade's console sink ignores the log switch and prints 1 in its place.
-void logPrint(int level, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  pavona::printLogLine(level, 1, format, args);
-  va_end(args);
-}
+constexpr auto logPrint = pavona::logPrintIgnoringSwitch;
 
 }  // namespace
 

@@ -1,54 +1,44 @@
-// Semi-planar to float RGB at the engine's working size (124 x 92, a 4000 x
-// 3000 frame at 1/32) and at full frame size, vector and scalar. Bytes are
-// those of the source frame (luma plus chroma), so instances of different
-// sample size compare by frame.
+// Our semi-planar to float RGB for every format at the working size and at
+// full frame size, the NEON kernel and its scalar twin.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <random>
 #include <string>
-#include <vector>
 
+#include "bench/colorconv_cases.h"
 #include "colorconv/nv21_to_rgb.h"
+
+namespace bench {
 
 namespace {
 
 template <typename T, bool uFirst, int bits, bool scalar>
-void convertFrame(benchmark::State& state, int width, int height) {
-  std::mt19937 rng(1);
-  std::vector<T> luma(static_cast<size_t>(width) * height);
-  std::vector<T> chroma(luma.size() / 2);
-  for (T& s : luma) s = static_cast<T>(rng() & ((1u << bits) - 1));
-  for (T& s : chroma) s = static_cast<T>(rng() & ((1u << bits) - 1));
-  std::vector<float> rgb(luma.size() * 3);
-  const int stride = width * static_cast<int>(sizeof(T));
-
+void convertFrame(benchmark::State& state, ConvertSize size) {
+  const SemiPlanar<T>& frame = randomFrame<T>(size, bits);
+  float* rgb = rgbOutput(frame.luma.size() * 3);
+  const int stride = size.width * static_cast<int>(sizeof(T));
   for (auto _ : state) {
     const int status =
         scalar ? pavona::internal::nv21_to_rgb_impl_scalar<T, uFirst, bits, 0>(
-                     luma.data(), chroma.data(), rgb.data(), width, height,
-                     stride, stride, 12 * width)
+                     frame.luma.data(), frame.chroma.data(), rgb, size.width,
+                     size.height, stride, stride, 12 * size.width)
                : pavona::nv21_to_rgb<T, uFirst, bits, 0>(
-                     luma.data(), chroma.data(), rgb.data(), width, height,
-                     stride, stride, 12 * width);
+                     frame.luma.data(), frame.chroma.data(), rgb, size.width,
+                     size.height, stride, stride, 12 * size.width);
     benchmark::DoNotOptimize(status);
     benchmark::ClobberMemory();
   }
-  state.SetBytesProcessed(state.iterations() *
-                          static_cast<int64_t>(luma.size() + chroma.size()) *
-                          static_cast<int64_t>(sizeof(T)));
 }
 
 template <typename T, bool uFirst, int bits>
 void registerFormat(const char* format) {
-  for (auto [width, height] : {std::pair{124, 92}, {4000, 3000}}) {
-    const std::string name = "yuv2rgb/" + std::to_string(width) + "x" +
-                             std::to_string(height) + "_" + format + "/pavona";
+  const std::string scalarFormat = std::string(format) + "_scalar";
+  for (ConvertSize size : kConvertSizes) {
+    benchmark::RegisterBenchmark(convertName(size, format, "pavona").c_str(),
+                                 convertFrame<T, uFirst, bits, false>, size);
     benchmark::RegisterBenchmark(
-        name.c_str(), convertFrame<T, uFirst, bits, false>, width, height);
-    benchmark::RegisterBenchmark((name + "_scalar").c_str(),
-                                 convertFrame<T, uFirst, bits, true>, width,
-                                 height);
+        convertName(size, scalarFormat.c_str(), "pavona").c_str(),
+        convertFrame<T, uFirst, bits, true>, size);
   }
 }
 
@@ -60,3 +50,5 @@ const bool kRegistered = [] {
 }();
 
 }  // namespace
+
+}  // namespace bench

@@ -9,13 +9,10 @@
 // + 0.5f). The coefficients are full-range BT.601 (JPEG) rounded to three
 // decimals; luma enters as it is, with no 16..235 expansion.
 //
-// The vector kernel runs the same float operations lane by lane, then
-// rounds before it clamps: trunc(v + 0.5f) clamped to [0, max] as an integer
-// is the scalar rule's value for every finite v below 2^31 in magnitude (the
-// largest here is about 2^18). It reads only elements [0, width) of each luma
-// and chroma row and writes only floats [0, 3 * width) of output rows
-// [0, height); the last few pixels of a row are done by the scalar block
-// code.
+// The vector kernel runs the same float operations lane by lane, the
+// clamp and the rounding included. It reads only elements [0, width) of each
+// luma and chroma row and writes only floats [0, 3 * width) of output rows [0,
+// height); the last few pixels of a row are done by the scalar block code.
 
 #include "colorconv/nv21_to_rgb.h"
 
@@ -23,6 +20,13 @@
 #include <cstdint>
 #include <type_traits>
 
+// Every value this kernel computes is finite (below 2^18 in magnitude even
+// for 16-bit samples above 1023), and only clamped values, 0 to 1024, are
+// converted to integers: where SIMDe stands in for NEON it may use the
+// plain x86 float min, max and conversions instead of emulating what NEON
+// does with NaNs and out-of-range values.
+#define SIMDE_FAST_CONVERSION_RANGE
+#define SIMDE_FAST_NANS
 #include "zel/neon/neon_compat.h"
 
 namespace pavona::internal {
@@ -119,14 +123,13 @@ inline float32x4_t widenQuarter(uint16x8_t v, int quarter) {
                                                     : vzip2q_u16(v, zero)));
 }
 
-// Integer min and max, unlike the float ones, stay vector instructions
-// under SIMDe, which emulates the NaN rules of NEON's float min lane by lane.
+// The scalar rule, clamp first: max(v, 0) is 0 exactly when v < 0, and
+// trunc(0 + 0.5f) is 0 too.
 template <int bits>
 inline float32x4_t toOutput4(float32x4_t v) {
-  const int32x4_t rounded = vcvtq_s32_f32(vaddq_f32(v, vdupq_n_f32(0.5f)));
-  const int32x4_t clamped = vminq_s32(vmaxq_s32(rounded, vdupq_n_s32(0)),
-                                      vdupq_n_s32((1 << bits) - 1));
-  return vcvtq_f32_s32(clamped);
+  const float32x4_t clamped =
+      vminq_f32(vmaxq_f32(v, vdupq_n_f32(0.0f)), vdupq_n_f32(kMaxValue<bits>));
+  return vcvtq_f32_s32(vcvtq_s32_f32(vaddq_f32(clamped, vdupq_n_f32(0.5f))));
 }
 
 template <int bits>

@@ -19,6 +19,9 @@ namespace {
 using pavona::internal::assignNearest_C;
 using pavona::internal::assignNearest_NEON;
 using pavona::internal::plainDistance;
+using pavona::internal::SamplePlanes;
+using pavona::internal::splitSamples_C;
+using pavona::internal::splitSamples_NEON;
 using pavona::internal::weightedDistance;
 
 uint32_t bitsOf(float value) {
@@ -36,6 +39,17 @@ struct Nearest {
   std::vector<int> label;
 };
 
+// The NEON kernel as the engine drives it: samples split into planes once,
+// every sample starting from the far distance and label 0.
+void splitAndAssign(const _Point* samples, int count, const _Point* centres,
+                    int k, float* nearest, int* labels) {
+  std::vector<float> planes(3 * static_cast<size_t>(count));
+  const SamplePlanes split = splitSamples_NEON(samples, count, planes.data());
+  assignNearest_NEON(split, count, centres, k, nearest, labels);
+}
+
+// Both start from the engine's starting state: the scalar twin reads it
+// from the arrays, the NEON kernel starts from it in registers.
 struct Implementation {
   const char* name;
   void (*assign)(const _Point*, int, const _Point*, int, float*, int*);
@@ -116,7 +130,7 @@ TEST_P(KMeansAssignBoth, NothingFartherThanTheStartOrNaNIsTaken) {
   EXPECT_EQ(nearest.distance, start.distance);
 }
 
-TEST_P(KMeansAssignBoth, EqualToTheStartingDistanceIsNotCloser) {
+TEST(KMeansAssignScalar, EqualToTheStartingDistanceIsNotCloser) {
   const std::vector<_Point> samples(5, _Point{0, 0, 10});
   Nearest nearest(samples.size());
   for (size_t j = 0; j < samples.size(); ++j) {
@@ -125,21 +139,21 @@ TEST_P(KMeansAssignBoth, EqualToTheStartingDistanceIsNotCloser) {
   }
   // From the origin: plain 100, weighted 3 * 10 * 10, equal to the start.
   const std::vector<_Point> origin = {{0, 0, 0}};
-  GetParam().assign(samples.data(), 5, origin.data(), 1,
-                    nearest.distance.data(), nearest.label.data());
+  assignNearest_C(samples.data(), 5, origin.data(), 1, nearest.distance.data(),
+                  nearest.label.data());
   EXPECT_EQ(nearest.label, std::vector<int>(5, 7));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     KMeansAssign, KMeansAssignBoth,
-    ::testing::Values(Implementation{"Neon", assignNearest_NEON},
+    ::testing::Values(Implementation{"Neon", splitAndAssign},
                       Implementation{"Scalar", assignNearest_C}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Photo-like samples: runs of similar whole-number colours (0 ... 255 or
 // 1023), sometimes a special value. Centres are fractions, copies of
-// samples or repeats of earlier centres, so ties happen. The start is
-// either "far" or an earlier state.
+// samples or repeats of earlier centres, so ties happen. The start is the
+// engine's: far, label 0.
 struct RandomCase {
   RandomCase(std::mt19937& random, int count, int k, bool special)
       : distance(count), label(count, 0) {
@@ -171,12 +185,6 @@ struct RandomCase {
       centres[random() % k].b = values[random() % 5];
     }
     std::memset(distance.data(), 100, count * sizeof(float));
-    if (random() % 3 == 0) {
-      for (int j = 0; j < count; ++j) {
-        distance[j] = static_cast<float>(random() % 4000);
-        label[j] = static_cast<int>(random() % 20);
-      }
-    }
   }
   std::vector<_Point> samples;
   std::vector<_Point> centres;
@@ -184,27 +192,67 @@ struct RandomCase {
   std::vector<int> label;
 };
 
-TEST(KMeansAssign, NeonMatchesScalarTwinBitForBit) {
-  std::mt19937 random(0x5eed);
-  // Every remainder mod 4, then the 124 x 92 working frame and one size
-  // off it.
+// Every remainder mod 4, then the 124 x 92 working frame and one size off
+// it.
+std::vector<int> randomCounts() {
   std::vector<int> counts;
   for (int count = 1; count <= 67; ++count)
     counts.insert(counts.end(), 6, count);
   counts.insert(counts.end(), {124 * 92, 124 * 92 - 3});
+  return counts;
+}
+
+// k from 1 to 45: the kernel takes its centres 20 at a time.
+int randomK(std::mt19937& random) {
+  return 1 + static_cast<int>(random() % 45);
+}
+
+TEST(KMeansAssign, NeonMatchesScalarTwinFromTheStartBitForBit) {
+  std::mt19937 random(0xfa2);
+  const std::vector<int> counts = randomCounts();
   for (size_t c = 0; c < counts.size(); ++c) {
     const int count = counts[c];
-    const int k = 1 + static_cast<int>(random() % 20);
-    RandomCase scalar(random, count, k, c % 6 == 5);
+    // Now and then no centre at all.
+    const int k = c % 50 == 7 ? 0 : randomK(random);
+    RandomCase scalar(random, count, std::max(k, 1), c % 6 == 5);
     RandomCase neon = scalar;
+    // Whatever the arrays hold must not matter.
+    std::memset(neon.distance.data(), 0, count * sizeof(float));
+    std::fill(neon.label.begin(), neon.label.end(), 7);
     assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
                     scalar.distance.data(), scalar.label.data());
-    assignNearest_NEON(neon.samples.data(), count, neon.centres.data(), k,
-                       neon.distance.data(), neon.label.data());
+    splitAndAssign(neon.samples.data(), count, neon.centres.data(), k,
+                   neon.distance.data(), neon.label.data());
     ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
                              count * sizeof(float)))
         << "count " << count << " k " << k;
     ASSERT_EQ(neon.label, scalar.label) << "count " << count << " k " << k;
+  }
+}
+
+TEST(KMeansAssign, SplitNeonMatchesScalarTwinAndWritesOnlyThePlanes) {
+  std::mt19937 random(0x5917);
+  for (int count : randomCounts()) {
+    RandomCase samples(random, count, 1, count % 6 == 5);
+    const size_t floats = 3 * static_cast<size_t>(count);
+    // Guards after the planes must stay as they are.
+    std::vector<float> scalar(floats + 8, -1.0f);
+    std::vector<float> neon(floats + 8, -1.0f);
+    const SamplePlanes s =
+        splitSamples_C(samples.samples.data(), count, scalar.data());
+    const SamplePlanes n =
+        splitSamples_NEON(samples.samples.data(), count, neon.data());
+    ASSERT_EQ(0, std::memcmp(neon.data(), scalar.data(),
+                             (floats + 8) * sizeof(float)))
+        << "count " << count;
+    EXPECT_EQ(n.r - neon.data(), s.r - scalar.data());
+    EXPECT_EQ(n.g - neon.data(), count);
+    EXPECT_EQ(n.b - neon.data(), 2 * count);
+    for (int j = 0; j < count; ++j) {
+      ASSERT_EQ(bitsOf(s.g[j]), bitsOf(samples.samples[j].g)) << j;
+      ASSERT_EQ(bitsOf(s.b[j]), bitsOf(samples.samples[j].b)) << j;
+      ASSERT_EQ(bitsOf(s.r[j]), bitsOf(samples.samples[j].r)) << j;
+    }
   }
 }
 

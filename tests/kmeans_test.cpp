@@ -5,14 +5,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <vector>
 
 #include "src/neon/KMeansAlgo_neon.h"
+#include "src/neon/cluster_sort.h"
+#include "src/neon/kmeans_assign.h"
 #include "tests/support/capture.h"
 
 namespace {
@@ -165,6 +169,145 @@ TEST(KMeansAlgo, BlobGridsMatchReference) {
                     {10, 0x43571C72, 0x4201C71D, 0x4242AAAB},
                     {9, 0x4353A000, 0x42308004, 0x422D7FFF},
                     {8, 0x435BB6DC, 0x42224924, 0x424C9249}});
+}
+
+// A noisy photo-like grid: gradients, blocks of colour and sensor noise.
+std::vector<_Point> noisyGrid(int width, int height, unsigned seed) {
+  std::mt19937 random(seed);
+  std::vector<_Point> grid;
+  for (int row = 0; row < height; ++row) {
+    for (int col = 0; col < width; ++col) {
+      const int block = (row * 3 / height) * 3 + col * 3 / width;
+      const float base = float(40 + 20 * block + row);
+      grid.push_back({float(int(base + random() % 9)),
+                      float(int(255 - base + random() % 5) % 256),
+                      float(int(base * 0.5f + col + random() % 7) % 256)});
+    }
+  }
+  return grid;
+}
+
+// The pass loop as first written: every pass appends each cluster's centre
+// and then its members to its list and takes the mean with reCenter.
+struct ListReference {
+  std::vector<Cluster> clusters;
+  int passes = 0;
+};
+
+// leftOver: what each list holds before the call (empty after init).
+ListReference referenceClustering(
+    const std::vector<_Point>& grid, int width, int height, int k,
+    float threshold, const std::vector<std::vector<_Point>>& leftOver = {}) {
+  KMeansAlgo seeding;
+  seeding.init(k, threshold);
+  seeding.initClusters(grid.data(), width, height);
+  ListReference ref;
+  ref.clusters.assign(seeding.m_clusters, seeding.m_clusters + k);
+  for (size_t i = 0; i < leftOver.size(); ++i)
+    ref.clusters[i].points = leftOver[i];
+  const int count = width * height;
+  std::vector<float> nearest(count);
+  std::vector<int> labels(count);
+  std::vector<_Point> centres(k);
+  int pass = 0;
+  while (true) {
+    for (int i = 0; i < k; ++i) {
+      ref.clusters[i].points.push_back(ref.clusters[i].center);
+      centres[i] = ref.clusters[i].center;
+    }
+    std::memset(nearest.data(), 100, sizeof(float) * count);
+    std::fill(labels.begin(), labels.end(), 0);
+    pavona::internal::assignNearest_C(grid.data(), count, centres.data(), k,
+                                      nearest.data(), labels.data());
+    for (int j = 0; j < count; ++j)
+      ref.clusters[labels[j]].points.push_back(grid[j]);
+    float largest = FLT_MIN;
+    for (int i = 0; i < k; ++i) {
+      const _Point moved = seeding.reCenter(ref.clusters[i].points);
+      const _Point& old = ref.clusters[i].center;
+      const float dr = moved.r - old.r, dg = moved.g - old.g,
+                  db = moved.b - old.b;
+      const float dr2 = dr * dr, dg2 = dg * dg, db2 = db * db;
+      const float shift = std::sqrt((dr2 + dr2 + 4.0f * dg2) + 3.0f * db2);
+      ref.clusters[i].center = moved;
+      if (shift > largest) largest = shift;
+    }
+    if (pass > 500 || largest < threshold) break;
+    for (int i = 0; i < k; ++i) ref.clusters[i].points.clear();
+    ++pass;
+  }
+  ref.passes = pass + 1;
+  pavona::internal::unstableSort(ref.clusters.begin(), ref.clusters.end(),
+                                 pavona::internal::MoreMembersFirst());
+  return ref;
+}
+
+void expectSameBits(const _Point& a, const _Point& b) {
+  EXPECT_EQ(bitsOf(a.r), bitsOf(b.r));
+  EXPECT_EQ(bitsOf(a.g), bitsOf(b.g));
+  EXPECT_EQ(bitsOf(a.b), bitsOf(b.b));
+}
+
+// Centres, pass count and every list element, bit for bit.
+void expectSameClustering(const KMeansAlgo& kmeans,
+                          const std::vector<_Point>& out,
+                          const ListReference& ref) {
+  EXPECT_EQ(kmeans.m_passCount, ref.passes);
+  for (int i = 0; i < kmeans.m_clusterCount; ++i) {
+    SCOPED_TRACE(i);
+    expectSameBits(out[i], ref.clusters[i].center);
+    const std::vector<_Point>& list = kmeans.m_clusters[i].points;
+    ASSERT_EQ(list.size(), ref.clusters[i].points.size());
+    for (size_t m = 0; m < list.size(); ++m)
+      expectSameBits(list[m], ref.clusters[i].points[m]);
+  }
+}
+
+TEST(KMeansAlgo, MatchesTheListBuildingPassLoopBitForBit) {
+  struct Case {
+    int width, height, k;
+    float threshold;
+  };
+  // Working sizes of 1920 x 1080 and 2000 x 1500 frames, a grid with a
+  // weighted tail, random and fixed seedings, and a run to the pass limit.
+  const Case cases[] = {{60, 32, 3, 0.001f},  {60, 32, 4, 0.001f},
+                        {60, 32, 8, 0.001f},  {60, 32, 20, 0.001f},
+                        {62, 46, 1, 0.001f},  {62, 46, 5, 0.001f},
+                        {62, 46, 13, 0.001f}, {13, 9, 6, 0.001f},
+                        {13, 9, 21, 0.001f},  {8, 6, 3, 0.0f}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message()
+                 << c.width << " x " << c.height << " k " << c.k);
+    const std::vector<_Point> grid = noisyGrid(c.width, c.height, 7 * c.k);
+    std::srand(99);
+    const ListReference ref =
+        referenceClustering(grid, c.width, c.height, c.k, c.threshold);
+    std::srand(99);
+    KMeansAlgo kmeans;
+    kmeans.init(c.k, c.threshold);
+    std::vector<_Point> out(c.k);
+    kmeans.processKMeansAlgo(grid.data(), out.data(), c.width, c.height);
+    expectSameClustering(kmeans, out, ref);
+  }
+}
+
+TEST(KMeansAlgo, ASecondCallWithoutInitStartsOnTheListsLeftOver) {
+  // The lists of the last pass stay until the next init; a call made
+  // without one starts its first pass on top of them.
+  const std::vector<_Point> grid = noisyGrid(12, 8, 3);
+  for (float threshold : {1e30f, 0.001f}) {
+    SCOPED_TRACE(threshold);
+    KMeansAlgo kmeans;
+    kmeans.init(4, threshold);
+    std::vector<_Point> out(4);
+    kmeans.processKMeansAlgo(grid.data(), out.data(), 12, 8);
+    std::vector<std::vector<_Point>> leftOver;
+    for (int i = 0; i < 4; ++i) leftOver.push_back(kmeans.m_clusters[i].points);
+    const ListReference ref =
+        referenceClustering(grid, 12, 8, 4, threshold, leftOver);
+    kmeans.processKMeansAlgo(grid.data(), out.data(), 12, 8);
+    expectSameClustering(kmeans, out, ref);
+  }
 }
 
 TEST(KMeansAlgo, IdenticalSamplesStopAfterOnePassWithClusterZeroFirst) {

@@ -2,9 +2,8 @@
 
 #include <cfloat>
 #include <cmath>
-#include <cstdarg>
+#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -17,16 +16,7 @@ namespace {
 
 // The k-means unit's console sink: it does not follow the API's log switch
 // and always prints 1 in its place.
-void logPrint(int level, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  pavona::printLogLine(level, 1, format, args);
-  va_end(args);
-}
-
-// Every byte 100: the float 0x64646464 (about 1.685e22) that starts each
-// pass as "farther than any centre".
-constexpr int kFarByte = 100;
+constexpr auto logPrint = pavona::logPrintIgnoringSwitch;
 
 // A pass counter above this ends the loop, so at most 502 passes run.
 constexpr int kMaxPassCounter = 500;
@@ -41,6 +31,74 @@ float centreShift(const _Point& from, const _Point& to) {
   const float dg2 = dg * dg;
   const float db2 = db * db;
   return std::sqrt((dr2 + dr2 + 4.0f * dg2) + 3.0f * db2);
+}
+
+// A list's channels summed in list order from 0, and its length.
+struct ListSum {
+  float r = 0.0f;
+  float g = 0.0f;
+  float b = 0.0f;
+  int count = 0;
+};
+
+void add(ListSum& sum, const _Point* first, const _Point* last) {
+  // Locals, so that the compiler keeps the three chains in registers.
+  float r = sum.r;
+  float g = sum.g;
+  float b = sum.b;
+  for (const _Point* point = first; point != last; ++point) {
+    r += point->r;
+    g += point->g;
+    b += point->b;
+  }
+  sum = {r, g, b, sum.count + static_cast<int>(last - first)};
+}
+
+// The component-wise mean of a list; three NaNs and a record when empty.
+_Point meanOf(const ListSum& sum) {
+  if (sum.count == 0) {
+    PAVONA_ALOG_AS("reCenter", "Pavona_SDK reCenter failed, len == 0. ");
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    return {nan, nan, nan};
+  }
+  const float n = static_cast<float>(sum.count);
+  return {sum.r / n, sum.g / n, sum.b / n};
+}
+
+// Adds sample j to the sum of cluster labels[j], for j = 0 ... count-1 in
+// order. A run of equal labels is summed in registers: neighbouring samples
+// mostly share a cluster, and the runs of different clusters overlap in the
+// core.
+void addMembers(const _Point* points, const int* labels, int count,
+                ListSum* sums) {
+  for (int j = 0; j < count;) {
+    const int label = labels[j];
+    ListSum& sum = sums[label];
+    float r = sum.r;
+    float g = sum.g;
+    float b = sum.b;
+    const int first = j;
+    do {
+      r += points[j].r;
+      g += points[j].g;
+      b += points[j].b;
+      ++j;
+    } while (j < count && labels[j] == label);
+    sum = {r, g, b, sum.count + (j - first)};
+  }
+}
+
+// Calls visit(label, first, last) for each run [first, last) of equal
+// labels, in sample order: neighbouring samples mostly share a cluster.
+template <class Visit>
+void forEachRun(const int* labels, int count, Visit visit) {
+  for (int first = 0; first < count;) {
+    const int label = labels[first];
+    int last = first + 1;
+    while (last < count && labels[last] == label) ++last;
+    visit(label, first, last);
+    first = last;
+  }
 }
 
 }  // namespace
@@ -100,22 +158,9 @@ void KMeansAlgo::initClusters(const _Point* points, int width, int height) {
 }
 
 _Point KMeansAlgo::reCenter(std::vector<_Point>& points) {
-  const int count = static_cast<int>(points.size());
-  if (count == 0) {
-    PAVONA_ALOG_AS("reCenter", "Pavona_SDK reCenter failed, len == 0. ");
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    return {nan, nan, nan};
-  }
-  float r = 0.0f;
-  float g = 0.0f;
-  float b = 0.0f;
-  for (const _Point& point : points) {
-    r += point.r;
-    g += point.g;
-    b += point.b;
-  }
-  const float n = static_cast<float>(count);
-  return {r / n, g / n, b / n};
+  ListSum sum;
+  add(sum, points.data(), points.data() + points.size());
+  return meanOf(sum);
 }
 
 void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
@@ -125,46 +170,61 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
   initClusters(points, width, height);
 
   const std::unique_ptr<int[]> labels(new int[count]);
-  const std::unique_ptr<float[]> nearest(new float[count]);
+  // One float block: the sample planes the assignment reads, split once
+  // for every pass, then the nearest distances.
+  const std::unique_ptr<float[]> floats(
+      new float[4 * static_cast<std::size_t>(count)]);
+  const pavona::internal::SamplePlanes planes =
+      pavona::internal::splitSamples_NEON(points, count, floats.get());
+  float* const nearest = floats.get() + 3 * static_cast<std::size_t>(count);
   std::vector<_Point> centres(k > 0 ? k : 0);
+  std::vector<ListSum> sums(k > 0 ? k : 0);
+  // Without clusters no list takes the samples.
+  const int members = k > 0 ? count : 0;
 
+  // A pass's list of cluster i is its starting centre, then its members in
+  // sample order (on the first pass after whatever a previous call left
+  // there). Only the last pass's lists outlive the call, so earlier passes
+  // keep just their sums, added in exactly that order.
   int pass = 0;
   while (true) {
     for (int i = 0; i < k; ++i) {
-      // The pass's starting centre counts as one member: the mean is damped.
-      m_clusters[i].points.push_back(m_clusters[i].center);
       centres[i] = m_clusters[i].center;
+      sums[i] = ListSum();
+      if (pass == 0) {
+        const std::vector<_Point>& left = m_clusters[i].points;
+        add(sums[i], left.data(), left.data() + left.size());
+      }
+      // The starting centre counts as one member: the mean is damped.
+      add(sums[i], &centres[i], &centres[i] + 1);
     }
-    std::memset(nearest.get(), kFarByte, sizeof(float) * count);
-    std::memset(labels.get(), 0, sizeof(int) * count);
-    pavona::internal::assignNearest_NEON(points, count, centres.data(), k,
-                                         nearest.get(), labels.get());
-
-    // Append in sample order, a run of equal labels at a time: neighbouring
-    // samples mostly share a cluster. Without clusters no list takes them.
-    const int members = k > 0 ? count : 0;
-    for (int j = 0; j < members;) {
-      const int label = labels[j];
-      int end = j + 1;
-      while (end < members && labels[end] == label) ++end;
-      std::vector<_Point>& list = m_clusters[label].points;
-      list.insert(list.end(), points + j, points + end);
-      j = end;
-    }
+    pavona::internal::assignNearest_NEON(planes, count, centres.data(), k,
+                                         nearest, labels.get());
+    addMembers(points, labels.get(), members, sums.data());
 
     float largestShift = FLT_MIN;
     for (int i = 0; i < k; ++i) {
-      const _Point moved = reCenter(m_clusters[i].points);
+      const _Point moved = meanOf(sums[i]);
       const float shift = centreShift(m_clusters[i].center, moved);
       m_clusters[i].center = moved;
       if (shift > largestShift) largestShift = shift;
     }
 
     if (pass > kMaxPassCounter || largestShift < m_threshold) break;
-    for (int i = 0; i < k; ++i) m_clusters[i].points.clear();
     ++pass;
   }
   m_passCount = pass + 1;
+
+  for (int i = 0; i < k; ++i) {
+    std::vector<_Point>& list = m_clusters[i].points;
+    if (pass > 0) list.clear();
+    list.reserve(static_cast<std::size_t>(sums[i].count));
+    list.push_back(centres[i]);
+  }
+  forEachRun(labels.get(), members, [&](int label, int first, int last) {
+    std::vector<_Point>& list = m_clusters[label].points;
+    list.insert(list.end(), points + first, points + last);
+  });
 
   if (k > 0) {
     pavona::internal::unstableSort(m_clusters, m_clusters + k,

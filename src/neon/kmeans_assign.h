@@ -6,6 +6,10 @@
 
 namespace pavona::internal {
 
+// The distance a pass starts every sample at, farther than any centre:
+// every byte 100, the float with bits 0x64646464 (about 1.685e22).
+constexpr int kFarByte = 100;
+
 // Distance of the four-at-a-time body: (dr*dr + dg*dg) + db*db, with
 // d = sample - centre.
 inline float plainDistance(const _Point& sample, const _Point& centre) {
@@ -24,15 +28,35 @@ inline float weightedDistance(const _Point& sample, const _Point& centre) {
   return (dr * (dr + dr) + dg * (4.0f * dg)) + db * (3.0f * db);
 }
 
-// For centre i = 0 ... k-1 and sample j = 0 ... count-1: when the distance
-// is strictly below nearest[j], it becomes nearest[j] and i becomes
-// labels[j], so ties stay with the lower centre. Samples below
-// 4*(count/4) use plainDistance, the rest weightedDistance. nearest and
-// labels come in holding the starting values.
-void assignNearest_NEON(const _Point* samples, int count, const _Point* centres,
+// The samples as the vector body reads them: count floats of each channel.
+// Samples do not change from pass to pass, so they are split once a call
+// rather than de-interleaved again in every pass.
+struct SamplePlanes {
+  const float* r;
+  const float* g;
+  const float* b;
+};
+
+// Splits count samples into red, green and blue planes laid one after the
+// other from `planes`, which holds 3 * count floats.
+SamplePlanes splitSamples_NEON(const _Point* samples, int count, float* planes);
+
+// Plain loop; the oracle for the NEON version.
+SamplePlanes splitSamples_C(const _Point* samples, int count, float* planes);
+
+// Every sample starts at distance kFar (every byte kFarByte) with label 0.
+// Then for centre i = 0 ... k-1 and sample j = 0 ... count-1: when the
+// distance is strictly below nearest[j], it becomes nearest[j] and i becomes
+// labels[j], so ties stay with the lower centre and a sample no centre
+// comes nearer than kFar (or only by NaN) keeps the starting values.
+// Samples below 4*(count/4) use plainDistance, the rest weightedDistance.
+// nearest and labels are written, never read first.
+void assignNearest_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, float* nearest, int* labels);
 
-// Plain loop over centres, then samples; the oracle for the NEON version.
+// Plain loop over centres, then samples, from whatever nearest and labels
+// hold; started from kFarByte bytes and labels 0 it is the oracle for the
+// NEON version.
 void assignNearest_C(const _Point* samples, int count, const _Point* centres,
                      int k, float* nearest, int* labels);
 

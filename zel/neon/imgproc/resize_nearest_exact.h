@@ -6,8 +6,8 @@
 //   enlarge:  dst(x, y) = src(x / K, y / K); row K j is built from source
 //             row j, rows K j + 1 ... K j + K - 1 are block copies of it.
 //
-// With L = 16 / sizeof(U) units a register, a decimation step de-interleaves
-// K registers (K L units) and keeps lane 0 of each group; an enlargement step
+// With L = 16 / sizeof(U) units a register, a decimation step reads K L
+// units with de-interleaving loads and keeps every K-th; an enlargement step
 // reads two registers and stores each K times interleaved. Steps are taken
 // only while they lie wholly inside the row, the rest goes one pixel at a
 // time, so nothing is read past a source row's last pixel. Enlargement writes
@@ -46,28 +46,45 @@ struct ResizeNearestExact {
  private:
   static constexpr int32_t kLanes = 16 / static_cast<int32_t>(sizeof(U));
   static constexpr std::size_t kUnit = sizeof(U);
+  // Decimation prefetches the sampled row this far ahead of the one read.
+  static constexpr int32_t kAhead = 2;
 
   static uint8x16_t loadEveryKth(const uint8_t* p);
   static void storeEachKTimes(uint8_t* p, uint8x16_t v);
   static void repeatRow(uint8_t* row, int32_t dstStride);
 };
 
+// By 4: two two-way loads and an unzip instead of a four-way load, which
+// hosts without NEON emulate element by element. Two-way loads work on bytes
+// for byte pixels and on 32-bit lanes otherwise (whole pixels, or pairs of
+// 16-bit pixels of which the unzip keeps the first): the forms that map to
+// plain SSE2 masks and packs there. On AArch64 each is two LD2 and a UZP1.
 template <typename U, int K>
 uint8x16_t ResizeNearestExact<U, K>::loadEveryKth(const uint8_t* p) {
   if constexpr (sizeof(U) == 1) {
     if constexpr (K == 2) return vld2q_u8(p).val[0];
     if constexpr (K == 3) return vld3q_u8(p).val[0];
-    if constexpr (K == 4) return vld4q_u8(p).val[0];
+    if constexpr (K == 4) {
+      return vuzp1q_u8(vld2q_u8(p).val[0], vld2q_u8(p + 32).val[0]);
+    }
   } else if constexpr (sizeof(U) == 2) {
     const uint16_t* q = reinterpret_cast<const uint16_t*>(p);
     if constexpr (K == 2) return vreinterpretq_u8_u16(vld2q_u16(q).val[0]);
     if constexpr (K == 3) return vreinterpretq_u8_u16(vld3q_u16(q).val[0]);
-    if constexpr (K == 4) return vreinterpretq_u8_u16(vld4q_u16(q).val[0]);
+    if constexpr (K == 4) {
+      const uint32_t* w = reinterpret_cast<const uint32_t*>(p);
+      return vreinterpretq_u8_u16(
+          vuzp1q_u16(vreinterpretq_u16_u32(vld2q_u32(w).val[0]),
+                     vreinterpretq_u16_u32(vld2q_u32(w + 8).val[0])));
+    }
   } else {
     const uint32_t* q = reinterpret_cast<const uint32_t*>(p);
     if constexpr (K == 2) return vreinterpretq_u8_u32(vld2q_u32(q).val[0]);
     if constexpr (K == 3) return vreinterpretq_u8_u32(vld3q_u32(q).val[0]);
-    if constexpr (K == 4) return vreinterpretq_u8_u32(vld4q_u32(q).val[0]);
+    if constexpr (K == 4) {
+      return vreinterpretq_u8_u32(
+          vuzp1q_u32(vld2q_u32(q).val[0], vld2q_u32(q + 8).val[0]));
+    }
   }
 }
 
@@ -135,8 +152,16 @@ void ResizeNearestExact<U, K>::decimate(const uint8_t* src, uint8_t* dst,
   for (int32_t y = 0; y < dstHeight; ++y) {
     const uint8_t* s = src + static_cast<std::ptrdiff_t>(K) * y * srcStride;
     uint8_t* d = dst + static_cast<std::ptrdiff_t>(y) * dstStride;
+    // Sampled rows lie K rows apart, each a fresh stream to the hardware:
+    // the one kAhead further down is prefetched as this one is read, at the
+    // same offsets.
+    const uint8_t* ahead =
+        y + kAhead < dstHeight
+            ? s + static_cast<std::ptrdiff_t>(K) * kAhead * srcStride
+            : s;
     int32_t x = 0;
     for (; dstWidth - x >= kLanes; x += kLanes) {
+      __builtin_prefetch(ahead + K * x * kUnit);
       vst1q_u8(d + x * kUnit, loadEveryKth(s + K * x * kUnit));
     }
     for (; x < dstWidth; ++x) {

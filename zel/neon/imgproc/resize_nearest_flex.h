@@ -83,10 +83,10 @@ struct PAVONA_EXPORT ResizeNearestFlex {
   static int32_t resize(const T* src, T* dst, int32_t srcWidth,
                         int32_t srcHeight, int32_t dstWidth, int32_t dstHeight,
                         int32_t srcStride, int32_t dstStride);
-  static int32_t resize_C(const T* src, T* dst, int32_t srcWidth,
-                          int32_t srcHeight, int32_t dstWidth,
-                          int32_t dstHeight, int32_t srcStride,
-                          int32_t dstStride);
+  PAVONA_HIDDEN static int32_t resize_C(const T* src, T* dst, int32_t srcWidth,
+                                        int32_t srcHeight, int32_t dstWidth,
+                                        int32_t dstHeight, int32_t srcStride,
+                                        int32_t dstStride);
 };
 
 template <typename T, int cn, int reserved, int N>

@@ -9,9 +9,13 @@
 namespace zel::neon::imgproc::internal_resize_v00 {
 namespace {
 
-// Each output row samples one source row that is usually cold (a frame
-// reduced 32 times touches one source row in 32), so the pixels of the next
-// sampled row are prefetched while the current row is copied.
+// Each output row samples a new source row, usually cold (a frame reduced
+// 32 times uses one source row in 32). Once a row is under way the hardware
+// follows its constant stride; the first lines of the next sampled row are
+// requested early so that its start does not wait for the jump.
+constexpr std::size_t kCacheLine = 64;
+constexpr std::size_t kLeadLines = 2;
+
 template <typename U>
 void copySampledRows(const uint8_t* src, uint8_t* dst, const int32_t* column,
                      int32_t dstWidth, int32_t dstHeight, float scaleY,
@@ -20,17 +24,28 @@ void copySampledRows(const uint8_t* src, uint8_t* dst, const int32_t* column,
     const int32_t sy = static_cast<int32_t>(static_cast<float>(y) * scaleY);
     return src + static_cast<std::ptrdiff_t>(sy) * srcStride;
   };
+  const std::size_t first = static_cast<std::size_t>(column[0]) * sizeof(U);
   const uint8_t* row = sourceRow(0);
   for (int32_t y = 0; y < dstHeight; ++y) {
     const uint8_t* next = y + 1 < dstHeight ? sourceRow(y + 1) : row;
+    for (std::size_t line = 0; line < kLeadLines; ++line) {
+      __builtin_prefetch(next + first + line * kCacheLine);
+    }
     uint8_t* d = dst + static_cast<std::ptrdiff_t>(y) * dstStride;
-    for (int32_t x = 0; x < dstWidth; ++x) {
-      const std::size_t offset =
-          static_cast<std::size_t>(column[x]) * sizeof(U);
-      __builtin_prefetch(next + offset);
-      U pixel;
-      std::memcpy(&pixel, row + offset, sizeof(U));
-      std::memcpy(d + x * sizeof(U), &pixel, sizeof(U));
+    int32_t x = 0;
+    for (; dstWidth - x >= 4; x += 4) {
+      U px[4];
+      for (int k = 0; k < 4; ++k) {
+        std::memcpy(&px[k],
+                    row + static_cast<std::size_t>(column[x + k]) * sizeof(U),
+                    sizeof(U));
+      }
+      std::memcpy(d + x * sizeof(U), px, sizeof(px));
+    }
+    for (; x < dstWidth; ++x) {
+      std::memcpy(d + x * sizeof(U),
+                  row + static_cast<std::size_t>(column[x]) * sizeof(U),
+                  sizeof(U));
     }
     row = next;
   }

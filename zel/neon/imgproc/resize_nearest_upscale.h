@@ -26,9 +26,9 @@ struct PAVONA_EXPORT ResizeNearestUpscale {
   static int32_t resize(const T* src, T* dst, int32_t srcWidth,
                         int32_t srcHeight, int32_t srcStride,
                         int32_t dstStride);
-  static int32_t resize_C(const T* src, T* dst, int32_t srcWidth,
-                          int32_t srcHeight, int32_t srcStride,
-                          int32_t dstStride);
+  PAVONA_HIDDEN static int32_t resize_C(const T* src, T* dst, int32_t srcWidth,
+                                        int32_t srcHeight, int32_t srcStride,
+                                        int32_t dstStride);
 
  private:
   using Rows = ResizeNearestExact<PixelUnitOf<T, cn>, K>;
