@@ -42,7 +42,8 @@ test: deps
 	  ctest --preset tsan; } || failed+=(tsan); \
 	echo "=== fuzz: configure, build, corpora and a $(FUZZ_SMOKE_SECONDS)s run of each target"; \
 	{ scripts/install-deps fuzz && cmake --preset fuzz >/dev/null && \
-	  cmake --build --preset fuzz && ctest --preset fuzz && \
+	  cmake --build --preset fuzz && \
+	  ctest --test-dir build/fuzz/fuzz --output-on-failure && \
 	  fuzz/run.sh build/fuzz $(FUZZ_SMOKE_SECONDS); } || failed+=(fuzz); \
 	if [ $${#failed[@]} -ne 0 ]; then echo "FAILED presets: $${failed[*]}"; exit 1; fi; \
 	echo "All presets passed: $(TEST_PRESETS) tsan fuzz"
