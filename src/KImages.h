@@ -23,8 +23,7 @@ class KImagesObserver {
   // After colour selection: for each written palette row, the member count
   // of the cluster it came from (without the list's starting centre), and
   // the number of k-means passes the frame ran.
-  virtual void onPaletteRows(const int* memberCounts, int rows,
-                             int passes) = 0;
+  virtual void onPaletteRows(const int* memberCounts, int rows, int passes) = 0;
 };
 
 class PAVONA_EXPORT KImages {
