@@ -5,24 +5,14 @@
 #include <new>
 
 #include "api/android_log.h"
+#include "src/size32.h"
 
 namespace {
-
-// Sizes are defined as 32-bit products. A product that has wrapped in 32
-// bits would allocate less than the working size needs, so it is refused.
-int32_t to32(int64_t exact) {
-  const auto wrapped =
-      static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(exact)));
-  if (wrapped != exact) {
-    throw std::bad_array_new_length();
-  }
-  return wrapped;
-}
 
 // A negative length (from negative init sizes) is refused the way array new
 // refuses it; array new of bytes would instead read it as a huge size.
 int32_t arrayLength(int64_t exact) {
-  const int32_t length = to32(exact);
+  const int32_t length = pavona::exactInt32(exact);
   if (length < 0) {
     throw std::bad_array_new_length();
   }
@@ -32,7 +22,7 @@ int32_t arrayLength(int64_t exact) {
 // ((3 * w * h) / 2) * bytesPerSample, each step in 32 bits. The working
 // sizes are at most 2^26 in magnitude, so every step is exact in 64 bits.
 int32_t downImageBytes(int32_t w, int32_t h, int32_t bytesPerSample) {
-  const int32_t threeWH = to32(int64_t{3} * w * h);
+  const int32_t threeWH = pavona::exactInt32(int64_t{3} * w * h);
   return arrayLength(int64_t{threeWH / 2} * bytesPerSample);
 }
 

@@ -16,9 +16,9 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <new>
 
 #include "src/KImages.h"
+#include "src/size32.h"
 #include "zel/cpp/imgproc/copyMakeBorder.h"
 #include "zel/types.h"
 
@@ -51,20 +51,6 @@ uint8_t channelByte(float value, bool tenBit) {
   return static_cast<uint8_t>(whole);
 }
 
-// The scratch sizes are 32-bit products. The engine's own buffers are sized
-// so that the working copy's cannot wrap, but the canvas adds a frame in
-// both directions and wraps first; a wrapped size would allocate less than
-// the drawing writes, so it is refused as array new refuses a bad length.
-int32_t scratchBytes(int32_t rowBytes, int32_t rows) {
-  const int64_t exact = int64_t{rowBytes} * rows;
-  const auto wrapped =
-      static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(exact)));
-  if (wrapped != exact) {
-    throw std::bad_array_new_length();
-  }
-  return wrapped;
-}
-
 }  // namespace
 
 void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
@@ -77,9 +63,10 @@ void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
   const int canvasStride = 3 * canvasWidth;
 
   // Declared in this order so the canvas is released first.
-  std::unique_ptr<uint8_t[]> working(new uint8_t[scratchBytes(3 * w, h)]);
+  std::unique_ptr<uint8_t[]> working(
+      new uint8_t[pavona::exactInt32(int64_t{3} * w * h)]);
   std::unique_ptr<uint8_t[]> canvas(
-      new uint8_t[scratchBytes(canvasStride, canvasHeight)]);
+      new uint8_t[pavona::exactInt32(int64_t{canvasStride} * canvasHeight)]);
 
   for (int y = 0; y < h; ++y) {
     for (int x = 0; x < w; ++x) {
