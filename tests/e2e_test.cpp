@@ -13,11 +13,13 @@
 #include "api/pavona_host.h"
 #include "tests/support/capture.h"
 #include "tests/support/frames.h"
+#include "tests/support/host_records.h"
 
 namespace {
 
 using pavona::testing::captureOutput;
 using pavona::testing::Frame;
+using pavona::testing::initRecord;
 using pavona::testing::makeFrame10;
 using pavona::testing::makeFrame8;
 using ::testing::HasSubstr;
@@ -38,16 +40,6 @@ const PavonaApi& table() {
     return filled;
   }();
   return api;
-}
-
-InitParamData initRecord(int width, int height, IMAGE_FORMAT_TYPE format,
-                         int widthInBytes = 0) {
-  InitParamData init{};
-  init.width = width;
-  init.height = height;
-  init.widthInBytes = widthInBytes;
-  init.format = format;
-  return init;
 }
 
 ProcessParamData processRecord(int colorNum, bool showPalette = false) {

@@ -20,6 +20,7 @@
 #include "tests/support/capture.h"
 #include "tests/support/emulator.h"
 #include "tests/support/frames.h"
+#include "tests/support/host_records.h"
 
 namespace {
 
@@ -27,31 +28,11 @@ using pavona::testing::allocationsSinceArmed;
 using pavona::testing::captureOutput;
 using pavona::testing::FailingAllocations;
 using pavona::testing::Frame;
+using pavona::testing::initRecord;
+using pavona::testing::linkedTable;
 using pavona::testing::liveAllocations;
 using pavona::testing::makeFrame8;
 using ::testing::HasSubstr;
-
-const PavonaApi& table() {
-  static const PavonaApi api = [] {
-    PavonaApi filled;
-    std::memset(&filled, 0, sizeof filled);
-    get_algo_api(&filled);
-    return filled;
-  }();
-  return api;
-}
-
-InitParamData initRecord(int32_t width, int32_t height,
-                         IMAGE_FORMAT_TYPE format = IMAGE_FORMAT_NV21,
-                         int32_t widthInBytes = 0) {
-  InitParamData init;
-  std::memset(&init, 0, sizeof init);
-  init.width = width;
-  init.height = height;
-  init.widthInBytes = widthInBytes;
-  init.format = format;
-  return init;
-}
 
 // Every palette float set to a bit pattern no engine writes.
 ProcessParamData untouchedRecord(int32_t colorNum) {
@@ -139,9 +120,9 @@ TEST_P(InitSizes, EndAsDesigned) {
   const auto out = captureOutput([&] {
     liveBefore = liveAllocations();
     try {
-      EXPECT_EQ(table().algoInitHandle(&handle, &init), 0);
-      table().singleProcessImage(handle, &frame.image, &param, nullptr);
-      table().releaseHandle(handle, nullptr);
+      EXPECT_EQ(linkedTable().algoInitHandle(&handle, &init), 0);
+      linkedTable().singleProcessImage(handle, &frame.image, &param, nullptr);
+      linkedTable().releaseHandle(handle, nullptr);
     } catch (const std::bad_array_new_length&) {
       threw = true;
     } catch (const std::bad_alloc&) {
@@ -184,10 +165,10 @@ INSTANTIATE_TEST_SUITE_P(HostileRecords, InitSizes,
 class Handle {
  public:
   explicit Handle(InitParamData init) {
-    captureOutput([&] { table().algoInitHandle(&handle_, &init); });
+    captureOutput([&] { linkedTable().algoInitHandle(&handle_, &init); });
   }
   ~Handle() {
-    captureOutput([&] { table().releaseHandle(handle_, nullptr); });
+    captureOutput([&] { linkedTable().releaseHandle(handle_, nullptr); });
   }
   Handle(const Handle&) = delete;
   Handle& operator=(const Handle&) = delete;
@@ -196,8 +177,9 @@ class Handle {
 
   pavona::testing::CapturedOutput process(Image* image,
                                           ProcessParamData& param) {
-    return captureOutput(
-        [&] { table().singleProcessImage(handle_, image, &param, nullptr); });
+    return captureOutput([&] {
+      linkedTable().singleProcessImage(handle_, image, &param, nullptr);
+    });
   }
 
  private:
@@ -215,7 +197,7 @@ TEST(HostileRecords, InitTooLargeToAllocateThrowsAndLeaksNothing) {
   captureOutput([&] {
     FailingAllocations full(0, 64 << 20);
     try {
-      table().algoInitHandle(&handle, &init);
+      linkedTable().algoInitHandle(&handle, &init);
     } catch (const std::bad_array_new_length&) {
       refusedAsLength = true;
     } catch (const std::bad_alloc&) {
@@ -238,13 +220,13 @@ TEST(HostileRecords, AllocationFailureAnywhereInInitPropagatesAndLeaksNothing) {
     captureOutput([&] {
       FailingAllocations failing(nth, 0);
       try {
-        table().algoInitHandle(&handle, &init);
+        linkedTable().algoInitHandle(&handle, &init);
       } catch (const std::bad_alloc&) {
         threw = true;
       }
     });
     if (!threw) {
-      captureOutput([&] { table().releaseHandle(handle, nullptr); });
+      captureOutput([&] { linkedTable().releaseHandle(handle, nullptr); });
       EXPECT_EQ(liveAllocations(), liveBefore);
       break;
     }
@@ -278,8 +260,8 @@ TEST(HostileRecords, AllocationFailureAnywhereInAFrameLeavesTheHandleWorking) {
       captureOutput([&] {
         FailingAllocations failing(nth, 0);
         try {
-          table().singleProcessImage(handle.get(), &frame.image, &param,
-                                     nullptr);
+          linkedTable().singleProcessImage(handle.get(), &frame.image, &param,
+                                           nullptr);
         } catch (const std::bad_alloc&) {
           threw = true;
         }
@@ -471,7 +453,8 @@ TEST(HostileRecords, PreviewTooLargeForItsThirtyTwoBitSizeIsRefused) {
     bool otherFailure = false;
     captureOutput([&] {
       try {
-        table().singleProcessImage(handle.get(), &frame.image, &param, nullptr);
+        linkedTable().singleProcessImage(handle.get(), &frame.image, &param,
+                                         nullptr);
       } catch (const std::bad_array_new_length&) {
         refused = true;
       } catch (const std::bad_alloc&) {

@@ -17,6 +17,7 @@
 #include "api/pavona_host.h"
 #include "tests/support/capture.h"
 #include "tests/support/frames.h"
+#include "tests/support/host_records.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define PAVONA_SOAK_UNDER_ASAN 1
@@ -30,6 +31,7 @@ namespace {
 
 using pavona::testing::captureOutput;
 using pavona::testing::Frame;
+using pavona::testing::linkedTable;
 using pavona::testing::makeFrame10;
 using pavona::testing::makeFrame8;
 
@@ -52,16 +54,6 @@ long residentBytes() {
   long resident = 0;
   statm >> size >> resident;
   return resident * sysconf(_SC_PAGESIZE);
-}
-
-const PavonaApi& table() {
-  static const PavonaApi api = [] {
-    PavonaApi filled;
-    std::memset(&filled, 0, sizeof filled);
-    get_algo_api(&filled);
-    return filled;
-  }();
-  return api;
 }
 
 // Frames of every kind a handle meets: its own format and size, other
@@ -92,7 +84,7 @@ void process(void* handle, std::vector<Frame>& frames, long count, long first) {
     param.colorNum = static_cast<int32_t>(f % 20 + 1);
     param.showPalette = f % 3 == 0;
     Frame& frame = frames[f % frames.size()];
-    table().singleProcessImage(handle, &frame.image, &param, nullptr);
+    linkedTable().singleProcessImage(handle, &frame.image, &param, nullptr);
   }
 }
 
@@ -111,20 +103,20 @@ TEST(Soak, ResidentMemoryDoesNotGrowOverManyFramesAndHandles) {
   long start = 0;
   long end = 0;
   captureOutput([&] {
-    table().setLogStatus(0);
+    linkedTable().setLogStatus(0);
     void* handle = nullptr;
-    table().algoInitHandle(&handle, &first);
+    linkedTable().algoInitHandle(&handle, &first);
     process(handle, eightBit, kWarmUpFrames, 0);
     start = residentBytes();
     process(handle, eightBit, frames, kWarmUpFrames);
-    table().releaseHandle(handle, nullptr);
+    linkedTable().releaseHandle(handle, nullptr);
 
     handle = nullptr;
-    table().algoInitHandle(&handle, &second);
+    linkedTable().algoInitHandle(&handle, &second);
     process(handle, tenBit, frames, 0);
     end = residentBytes();
-    table().releaseHandle(handle, nullptr);
-    table().setLogStatus(1);
+    linkedTable().releaseHandle(handle, nullptr);
+    linkedTable().setLogStatus(1);
   });
 
   std::printf(

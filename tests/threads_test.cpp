@@ -15,11 +15,13 @@
 #include "api/pavona_host.h"
 #include "tests/support/capture.h"
 #include "tests/support/frames.h"
+#include "tests/support/host_records.h"
 
 namespace {
 
 using pavona::testing::captureOutput;
 using pavona::testing::Frame;
+using pavona::testing::linkedTable;
 using pavona::testing::makeFrame10;
 using pavona::testing::makeFrame8;
 
@@ -45,16 +47,6 @@ Job makeJob(IMAGE_FORMAT_TYPE format, int width, int height, int firstSeed) {
             : makeFrame8(format, width, height, firstSeed + s));
   }
   return job;
-}
-
-const PavonaApi& table() {
-  static const PavonaApi api = [] {
-    PavonaApi filled;
-    std::memset(&filled, 0, sizeof filled);
-    get_algo_api(&filled);
-    return filled;
-  }();
-  return api;
 }
 
 // Holds threads back until all exist, so that their frames interleave.
@@ -83,7 +75,7 @@ class Gate {
 std::vector<ProcessParamData> run(Job& job, Gate& gate) {
   gate.wait();
   void* handle = nullptr;
-  table().algoInitHandle(&handle, &job.init);
+  linkedTable().algoInitHandle(&handle, &job.init);
   std::vector<ProcessParamData> palettes(kFramesPerHandle);
   for (int f = 0; f < kFramesPerHandle; ++f) {
     ProcessParamData& param = palettes[f];
@@ -91,9 +83,9 @@ std::vector<ProcessParamData> run(Job& job, Gate& gate) {
     param.colorNum = f % 2 == 0 ? 4 : 8;
     param.showPalette = f % 3 == 0;
     Frame& frame = job.scenes[f % kScenes];
-    table().singleProcessImage(handle, &frame.image, &param, nullptr);
+    linkedTable().singleProcessImage(handle, &frame.image, &param, nullptr);
   }
-  table().releaseHandle(handle, nullptr);
+  linkedTable().releaseHandle(handle, nullptr);
   return palettes;
 }
 
