@@ -179,14 +179,11 @@ inline void convertStep(const T* y0, const T* y1, const T* uv, float* out0,
 }  // namespace
 
 template <typename T, bool uFirst, int bits, int shift>
-typename std::enable_if<
-    ((std::is_same<T, unsigned char>::value && bits == 8) ||
-     (std::is_same<T, unsigned short>::value && bits == 8)) ||
-        (std::is_same<T, unsigned short>::value && bits == 10),
-    int>::type
-nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV, float* dstRGB, int width,
-                        int height, int srcYStride, int srcUVStride,
-                        int dstStride) {
+ConversionResult<T, bits> nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV,
+                                                  float* dstRGB, int width,
+                                                  int height, int srcYStride,
+                                                  int srcUVStride,
+                                                  int dstStride) {
   static_assert(shift == 0, "samples enter unshifted; no other shift exists");
   for (int row = 0; row < height; row += 2) {
     const T* y0 = rowAt(srcY, row, srcYStride);
@@ -202,13 +199,10 @@ nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV, float* dstRGB, int width,
 }
 
 template <typename T, bool uFirst, int bits, int shift>
-typename std::enable_if<
-    ((std::is_same<T, unsigned char>::value && bits == 8) ||
-     (std::is_same<T, unsigned short>::value && bits == 8)) ||
-        (std::is_same<T, unsigned short>::value && bits == 10),
-    int>::type
-nv21_to_rgb_impl(const T* srcY, const T* srcUV, float* dstRGB, int width,
-                 int height, int srcYStride, int srcUVStride, int dstStride) {
+ConversionResult<T, bits> nv21_to_rgb_impl(const T* srcY, const T* srcUV,
+                                           float* dstRGB, int width, int height,
+                                           int srcYStride, int srcUVStride,
+                                           int dstStride) {
   static_assert(shift == 0, "samples enter unshifted; no other shift exists");
   // Output rows closer than 12 bytes a pixel overlap (the entry lets such a
   // stride through); then the order of the writes decides the final bytes,

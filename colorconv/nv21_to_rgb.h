@@ -14,30 +14,34 @@
 #include "zel/cpp/core/wrap32.h"
 
 namespace pavona {
+
+// The result type of every conversion: int for the sample types and depths
+// that exist (8-bit samples in bytes or 16-bit words, 10-bit samples in
+// 16-bit words); any other combination fails to compile.
+template <typename T, int bits>
+using ConversionResult = typename std::enable_if<
+    ((std::is_same<T, unsigned char>::value && bits == 8) ||
+     (std::is_same<T, unsigned short>::value && bits == 8)) ||
+        (std::is_same<T, unsigned short>::value && bits == 10),
+    int>::type;
+
 namespace internal {
 
 // Converts whole 2x2 blocks and trusts its arguments: width and height must
 // be even. Always returns 0.
 template <typename T, bool uFirst, int bits, int shift>
-PAVONA_EXPORT typename std::enable_if<
-    ((std::is_same<T, unsigned char>::value && bits == 8) ||
-     (std::is_same<T, unsigned short>::value && bits == 8)) ||
-        (std::is_same<T, unsigned short>::value && bits == 10),
-    int>::type
-nv21_to_rgb_impl(const T* srcY, const T* srcUV, float* dstRGB, int width,
-                 int height, int srcYStride, int srcUVStride, int dstStride);
+PAVONA_EXPORT ConversionResult<T, bits> nv21_to_rgb_impl(
+    const T* srcY, const T* srcUV, float* dstRGB, int width, int height,
+    int srcYStride, int srcUVStride, int dstStride);
 
 // The same conversion one 2x2 block at a time in plain C++: the reference
 // that the vector kernel must match bit for bit.
 template <typename T, bool uFirst, int bits, int shift>
-typename std::enable_if<
-    ((std::is_same<T, unsigned char>::value && bits == 8) ||
-     (std::is_same<T, unsigned short>::value && bits == 8)) ||
-        (std::is_same<T, unsigned short>::value && bits == 10),
-    int>::type
-nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV, float* dstRGB, int width,
-                        int height, int srcYStride, int srcUVStride,
-                        int dstStride);
+ConversionResult<T, bits> nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV,
+                                                  float* dstRGB, int width,
+                                                  int height, int srcYStride,
+                                                  int srcUVStride,
+                                                  int dstStride);
 
 }  // namespace internal
 
@@ -45,13 +49,9 @@ nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV, float* dstRGB, int width,
 // precondition fails, else the kernel's 0. An odd last row or column is left
 // unconverted and its output untouched.
 template <typename T, bool uFirst, int bits, int shift>
-PAVONA_EXPORT typename std::enable_if<
-    ((std::is_same<T, unsigned char>::value && bits == 8) ||
-     (std::is_same<T, unsigned short>::value && bits == 8)) ||
-        (std::is_same<T, unsigned short>::value && bits == 10),
-    int>::type
-nv21_to_rgb(const T* srcY, const T* srcUV, float* dstRGB, int width, int height,
-            int srcYStride, int srcUVStride, int dstStride) {
+PAVONA_EXPORT ConversionResult<T, bits> nv21_to_rgb(
+    const T* srcY, const T* srcUV, float* dstRGB, int width, int height,
+    int srcYStride, int srcUVStride, int dstStride) {
   if (dstRGB == nullptr || srcY == nullptr || srcUV == nullptr) {
     return -1;
   }
