@@ -19,6 +19,7 @@ namespace {
 
 using pavona::testing::captureOutput;
 using pavona::testing::Frame;
+using pavona::testing::Handle;
 using pavona::testing::initRecord;
 using pavona::testing::makeFrame10;
 using pavona::testing::makeFrame8;
@@ -61,31 +62,6 @@ int writtenRows(const ProcessParamData& param) {
 bool sameBits(const ProcessParamData& a, const ProcessParamData& b) {
   return std::memcmp(a.palette, b.palette, sizeof a.palette) == 0;
 }
-
-// A handle made quietly; released by the destructor.
-class Handle {
- public:
-  explicit Handle(InitParamData init) {
-    captureOutput([&] { table().algoInitHandle(&handle_, &init); });
-  }
-  ~Handle() {
-    captureOutput([&] { table().releaseHandle(handle_, nullptr); });
-  }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-
-  void* get() const { return handle_; }
-
-  pavona::testing::CapturedOutput process(Frame& frame,
-                                          ProcessParamData& param) {
-    return captureOutput([&] {
-      table().singleProcessImage(handle_, &frame.image, &param, nullptr);
-    });
-  }
-
- private:
-  void* handle_ = nullptr;
-};
 
 class EndToEnd : public ::testing::Test {
  protected:
@@ -163,7 +139,7 @@ TEST_F(EndToEnd, InitPrintsTheBanner) {
 }
 
 TEST_F(EndToEnd, NullArgumentsAreLoggedAndReportZero) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   ProcessParamData param = processRecord(3);
   int32_t status = -5;
   auto out = captureOutput([&] {
@@ -182,7 +158,7 @@ TEST_F(EndToEnd, NullArgumentsAreLoggedAndReportZero) {
 }
 
 TEST_F(EndToEnd, FormatQuestionAlwaysAnswersZero) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   int32_t supported = -1, unsupported = -1;
   auto five = captureOutput(
       [&] { supported = table().isSupportFormat(handle.get(), 5); });
@@ -196,7 +172,7 @@ TEST_F(EndToEnd, FormatQuestionAlwaysAnswersZero) {
 }
 
 TEST_F(EndToEnd, SwitchSilencesOnlyTheEntryPoints) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   auto out = captureOutput([&] {
     table().setLogStatus(0);
     table().isSupportFormat(nullptr, 5);
@@ -233,11 +209,11 @@ TEST_F(EndToEnd, UnsupportedEntryPointsSayso) {
 }
 
 TEST_F(EndToEnd, CameraFrameGivesAPaletteEveryTimeTheSame) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 1);
   ProcessParamData first = processRecord(4), second = processRecord(4);
-  auto out = handle.process(frame, first);
-  handle.process(frame, second);
+  auto out = handle.process(&frame.image, first);
+  handle.process(&frame.image, second);
   EXPECT_EQ(writtenRows(first), 4);
   EXPECT_TRUE(sameBits(first, second));
   EXPECT_THAT(out.out, Not(HasSubstr("succeeded")));
@@ -251,11 +227,11 @@ TEST_F(EndToEnd, CameraFrameGivesAPaletteEveryTimeTheSame) {
 }
 
 TEST_F(EndToEnd, ColourCountIsClamped) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 2);
   ProcessParamData none = processRecord(0), many = processRecord(25);
-  handle.process(frame, none);
-  handle.process(frame, many);
+  handle.process(&frame.image, none);
+  handle.process(&frame.image, many);
   EXPECT_LE(writtenRows(none), 3);
   EXPECT_TRUE(std::isnan(none.palette[3][0]));
   EXPECT_LE(writtenRows(many), 20);
@@ -263,11 +239,11 @@ TEST_F(EndToEnd, ColourCountIsClamped) {
 }
 
 TEST_F(EndToEnd, FailedFrameLeavesThePaletteAndPrintsTheInvertedLine) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
   frame.image.format = IMAGE_FORMAT_RESERVED10;
   ProcessParamData param = processRecord(3);
-  auto out = handle.process(frame, param);
+  auto out = handle.process(&frame.image, param);
   EXPECT_EQ(writtenRows(param), 0);
   EXPECT_THAT(out.out,
               HasSubstr("pavonaProcess() pavona_process succeeded!\n \n"));
@@ -278,71 +254,71 @@ TEST_F(EndToEnd, FailedFrameLeavesThePaletteAndPrintsTheInvertedLine) {
 }
 
 TEST_F(EndToEnd, OddWidthFailsInTheResize) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
   frame.image.width = 3999;
   ProcessParamData param = processRecord(3);
-  auto out = handle.process(frame, param);
+  auto out = handle.process(&frame.image, param);
   EXPECT_EQ(writtenRows(param), 0);
   EXPECT_THAT(out.err, HasSubstr("Pavona_SDK resize_v00 process failed!"));
 }
 
 TEST_F(EndToEnd, TinyInitGivesZeroWorkingSizeAndFailingFrames) {
-  Handle handle(initRecord(48, 40, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(48, 40, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 0);
   ProcessParamData param = processRecord(3);
-  auto out = handle.process(frame, param);
+  auto out = handle.process(&frame.image, param);
   EXPECT_EQ(writtenRows(param), 0);
   EXPECT_THAT(out.err, HasSubstr("Pavona_SDK resize_v00 process failed!"));
 }
 
 TEST_F(EndToEnd, SmallerFrameIsResampledToTheSameWorkingSize) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame small = makeFrame8(IMAGE_FORMAT_NV21, 2000, 1500, 4);
   Frame big = pavona::testing::upscale2x(small);
   ProcessParamData fromSmall = processRecord(8), fromBig = processRecord(8);
-  handle.process(small, fromSmall);
-  handle.process(big, fromBig);
+  handle.process(&small.image, fromSmall);
+  handle.process(&big.image, fromBig);
   EXPECT_EQ(writtenRows(fromSmall), writtenRows(fromBig));
   EXPECT_GE(writtenRows(fromSmall), 1);
   EXPECT_TRUE(sameBits(fromSmall, fromBig));
 }
 
 TEST_F(EndToEnd, Nv12IsNv21WithChromaPairsSwapped) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame nv21 = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 5);
   Frame nv12 = nv21;
   pavona::testing::bind(nv12);
   nv12.image.format = IMAGE_FORMAT_NV12;
   ProcessParamData asNv21 = processRecord(4),
                    sameBytesAsNv12 = processRecord(4);
-  handle.process(nv21, asNv21);
-  handle.process(nv12, sameBytesAsNv12);
+  handle.process(&nv21.image, asNv21);
+  handle.process(&nv12.image, sameBytesAsNv12);
   EXPECT_FALSE(sameBits(asNv21, sameBytesAsNv12));
 
   for (size_t i = 0; i + 1 < nv12.uv.size(); i += 2) {
     std::swap(nv12.uv[i], nv12.uv[i + 1]);
   }
   ProcessParamData swapped = processRecord(4);
-  handle.process(nv12, swapped);
+  handle.process(&nv12.image, swapped);
   EXPECT_TRUE(sameBits(asNv21, swapped));
 }
 
 TEST_F(EndToEnd, PreviewChangesNothingTheHostReads) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 6);
   ProcessParamData plain = processRecord(8), shown = processRecord(8, true);
-  handle.process(frame, plain);
-  handle.process(frame, shown);
+  handle.process(&frame.image, plain);
+  handle.process(&frame.image, shown);
   EXPECT_TRUE(sameBits(plain, shown));
 }
 
 TEST_F(EndToEnd, TenBitFramesNeedATenBitEngine) {
   Frame frame = makeFrame10(4000, 3000, 7);
   {
-    Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_YUV420SP_10BIT));
+    Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_YUV420SP_10BIT));
     ProcessParamData param = processRecord(4);
-    auto out = handle.process(frame, param);
+    auto out = handle.process(&frame.image, param);
     EXPECT_EQ(writtenRows(param), 4);
     EXPECT_EQ(out.err, "");
     float brightest = 0;
@@ -353,19 +329,19 @@ TEST_F(EndToEnd, TenBitFramesNeedATenBitEngine) {
     EXPECT_GT(brightest, 300.0f) << "values stay in the 10-bit scale";
   }
   {
-    Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_NV21));
+    Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_NV21));
     ProcessParamData param = processRecord(4);
-    auto out = handle.process(frame, param);
+    auto out = handle.process(&frame.image, param);
     EXPECT_EQ(writtenRows(param), 0);
     EXPECT_THAT(out.err, HasSubstr("Pavona_SDK preparePoints unsupported"));
   }
 }
 
 TEST_F(EndToEnd, EightBitFrameOnTenBitEngineIsProcessed) {
-  Handle handle(initRecord(4000, 3000, IMAGE_FORMAT_YUV420SP_10BIT));
+  Handle handle(table(), initRecord(4000, 3000, IMAGE_FORMAT_YUV420SP_10BIT));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 8);
   ProcessParamData param = processRecord(4);
-  auto out = handle.process(frame, param);
+  auto out = handle.process(&frame.image, param);
   EXPECT_EQ(out.err, "");
   EXPECT_EQ(writtenRows(param), 4);
 }
@@ -431,12 +407,12 @@ TEST_F(EndToEnd, GoldenPalettesAreBitExact) {
   for (const Golden& golden : kGoldens) {
     SCOPED_TRACE(::testing::Message() << "format " << golden.format << " seed "
                                       << golden.seed << " k " << golden.k);
-    Handle handle(initRecord(4000, 3000, golden.format));
+    Handle handle(table(), initRecord(4000, 3000, golden.format));
     Frame frame = golden.format == IMAGE_FORMAT_YUV420SP_10BIT
                       ? makeFrame10(4000, 3000, golden.seed)
                       : makeFrame8(golden.format, 4000, 3000, golden.seed);
     ProcessParamData param = processRecord(golden.k);
-    handle.process(frame, param);
+    handle.process(&frame.image, param);
     for (int row = 0; row < golden.k; ++row) {
       for (int c = 0; c < 4; ++c) {
         uint32_t bits;

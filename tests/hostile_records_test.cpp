@@ -28,6 +28,7 @@ using pavona::testing::allocationsSinceArmed;
 using pavona::testing::captureOutput;
 using pavona::testing::FailingAllocations;
 using pavona::testing::Frame;
+using pavona::testing::Handle;
 using pavona::testing::initRecord;
 using pavona::testing::linkedTable;
 using pavona::testing::liveAllocations;
@@ -161,31 +162,6 @@ INSTANTIATE_TEST_SUITE_P(HostileRecords, InitSizes,
                            return name;
                          });
 
-// A frame the engine accepts: 640 x 480 NV21 on a 640 x 480 handle.
-class Handle {
- public:
-  explicit Handle(InitParamData init) {
-    captureOutput([&] { linkedTable().algoInitHandle(&handle_, &init); });
-  }
-  ~Handle() {
-    captureOutput([&] { linkedTable().releaseHandle(handle_, nullptr); });
-  }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-
-  void* get() const { return handle_; }
-
-  pavona::testing::CapturedOutput process(Image* image,
-                                          ProcessParamData& param) {
-    return captureOutput([&] {
-      linkedTable().singleProcessImage(handle_, image, &param, nullptr);
-    });
-  }
-
- private:
-  void* handle_ = nullptr;
-};
-
 TEST(HostileRecords, InitTooLargeToAllocateThrowsAndLeaksNothing) {
   // 67108862 x 2 working pixels: 201 MB of working frame and 1.6 GB of
   // points, refused here by an allocator that has 64 MiB to give.
@@ -244,7 +220,7 @@ TEST(HostileRecords, AllocationFailureAnywhereInAFrameLeavesTheHandleWorking) {
   ProcessParamData reference = untouchedRecord(8);
   reference.showPalette = 1;
   {
-    Handle clean(init);
+    Handle clean(linkedTable(), init);
     clean.process(&frame.image, reference);
   }
   ASSERT_FALSE(paletteUntouched(reference));
@@ -254,7 +230,7 @@ TEST(HostileRecords, AllocationFailureAnywhereInAFrameLeavesTheHandleWorking) {
     const int64_t liveBefore = liveAllocations();
     bool threw = false;
     {
-      Handle handle(init);
+      Handle handle(linkedTable(), init);
       ProcessParamData param = untouchedRecord(8);
       param.showPalette = 1;
       captureOutput([&] {
@@ -336,7 +312,7 @@ const FrameCase kRefusedFrames[] = {
 };
 
 TEST(HostileRecords, FrameFieldsAtExtremesAreRefusedWithoutReadingPlanes) {
-  Handle handle(initRecord(640, 480));
+  Handle handle(linkedTable(), initRecord(640, 480));
   for (const FrameCase& c : kRefusedFrames) {
     // Planes of exactly 64 x 64 samples: a read past them is caught.
     Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 2);
@@ -349,7 +325,7 @@ TEST(HostileRecords, FrameFieldsAtExtremesAreRefusedWithoutReadingPlanes) {
 }
 
 TEST(HostileRecords, ExtremeColourCountsAndFlagsGiveTheClampedResult) {
-  Handle handle(initRecord(640, 480));
+  Handle handle(linkedTable(), initRecord(640, 480));
   Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 640, 480, 4);
   // Three and twenty colours seed from rand(); the same seed before each
   // call makes the clamped and the plain count comparable.
@@ -391,7 +367,7 @@ class SparsePlane {
 };
 
 TEST(HostileRecords, WidestAndTallestFramesAreSampledInsideTheirPlanes) {
-  Handle handle(initRecord(640, 480));
+  Handle handle(linkedTable(), initRecord(640, 480));
   // All-zero samples convert to (0, 135, 0) wherever they are sampled.
   Frame zeros = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 0);
   std::fill(zeros.y.begin(), zeros.y.end(), 0);
@@ -445,7 +421,7 @@ TEST(HostileRecords, PreviewTooLargeForItsThirtyTwoBitSizeIsRefused) {
   // product: it must be refused, not wrapped into a smaller allocation.
   const int64_t liveBefore = liveAllocations();
   {
-    Handle handle(initRecord(8730000 * 32, 64));
+    Handle handle(linkedTable(), initRecord(8730000 * 32, 64));
     Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 5);
     ProcessParamData param = untouchedRecord(1);
     param.showPalette = 1;

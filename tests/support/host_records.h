@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "api/pavona_host.h"
+#include "tests/support/capture.h"
 
 namespace pavona::testing {
 
@@ -32,6 +33,32 @@ inline InitParamData initRecord(int32_t width, int32_t height,
   init.format = format;
   return init;
 }
+
+// A handle made and released through `api` with the library's console
+// lines captured, so that suites see only what they ask for.
+class Handle {
+ public:
+  Handle(const PavonaApi& api, InitParamData init) : api_(api) {
+    captureOutput([&] { api_.algoInitHandle(&handle_, &init); });
+  }
+  ~Handle() {
+    captureOutput([&] { api_.releaseHandle(handle_, nullptr); });
+  }
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+
+  void* get() const { return handle_; }
+
+  // One frame; returns what the library printed meanwhile.
+  CapturedOutput process(Image* image, ProcessParamData& param) {
+    return captureOutput(
+        [&] { api_.singleProcessImage(handle_, image, &param, nullptr); });
+  }
+
+ private:
+  const PavonaApi& api_;
+  void* handle_ = nullptr;
+};
 
 }  // namespace pavona::testing
 
