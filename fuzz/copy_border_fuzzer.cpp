@@ -19,21 +19,11 @@ namespace {
 
 using pavona::fuzz::fail;
 using pavona::fuzz::fillBytes;
+using pavona::fuzz::pickStride;
 
 constexpr uint8_t kCanary = 0xC3;
-
-// A stride for rows of `width` elements: 0 (packed), padded, or bottom-up.
-int32_t pickStride(FuzzedDataProvider& in, int32_t width) {
-  const int32_t pitch = width + in.ConsumeIntegralInRange(0, 16);
-  switch (in.ConsumeIntegralInRange(0, 2)) {
-    case 0:
-      return 0;
-    case 1:
-      return pitch;
-    default:
-      return -pitch;
-  }
-}
+// Padding of a row, in elements.
+constexpr int kMaxPad = 16;
 
 // One side of a rectangle copy: the block's rows lie at
 // base + (row + i) × pitch + col, where base is the given pointer moved to
@@ -53,7 +43,7 @@ struct Side {
 
 Side pickSide(FuzzedDataProvider& in, int32_t width) {
   Side side;
-  side.stride = pickStride(in, width);
+  side.stride = pickStride(in, width, 1, kMaxPad);
   side.col = in.ConsumeIntegralInRange(0, 12);
   side.row = in.ConsumeIntegralInRange(0, 6);
   side.pitch =
@@ -135,8 +125,8 @@ void fuzzCopyMakeBorder(FuzzedDataProvider& in) {
   const int32_t right = in.ConsumeIntegralInRange(0, 16);
   const int32_t dstWidth = srcWidth + left + right;
   const int32_t dstHeight = srcHeight + top + bottom;
-  const int32_t srcStride = pickStride(in, srcWidth * cn);
-  const int32_t dstStride = pickStride(in, dstWidth * cn);
+  const int32_t srcStride = pickStride(in, srcWidth * cn, 1, kMaxPad);
+  const int32_t dstStride = pickStride(in, dstWidth * cn, 1, kMaxPad);
   const uint8_t colour[cn] = {in.ConsumeIntegral<uint8_t>(),
                               in.ConsumeIntegral<uint8_t>(),
                               in.ConsumeIntegral<uint8_t>()};

@@ -43,6 +43,22 @@ class Plane {
   size_t size_;
 };
 
+// A stride in bytes for rows of `rowBytes`: packed (0), padded by up to
+// `maxPad` samples of `sample` bytes, or the same padded rows bottom-up.
+inline int32_t pickStride(FuzzedDataProvider& in, int32_t rowBytes, int sample,
+                          int maxPad) {
+  const int32_t pitch =
+      rowBytes + sample * in.ConsumeIntegralInRange(0, maxPad);
+  switch (in.ConsumeIntegralInRange(0, 2)) {
+    case 0:
+      return 0;
+    case 1:
+      return pitch;
+    default:
+      return -pitch;
+  }
+}
+
 // Fills `size` bytes from a generator seeded by the input: a flat value,
 // noise, or a few large patches, so that clustering sees every shape.
 inline void fillBytes(FuzzedDataProvider& in, uint8_t* bytes, size_t size) {

@@ -15,9 +15,12 @@ namespace {
 
 using pavona::fuzz::fail;
 using pavona::fuzz::fillBytes;
+using pavona::fuzz::pickStride;
 using pavona::fuzz::Plane;
 
 constexpr uint8_t kCanary = 0xA5;
+// Padding of a row, in samples.
+constexpr int kMaxPad = 20;
 
 // Sizes mostly valid and related by the exact ratios the kernel treats
 // apart, sometimes odd, zero or negative.
@@ -44,19 +47,6 @@ void pickSizes(FuzzedDataProvider& in, int32_t& srcWidth, int32_t& srcHeight,
   if (in.ConsumeIntegralInRange(0, 15) == 0) {
     int32_t* sizes[] = {&srcWidth, &srcHeight, &dstWidth, &dstHeight};
     *sizes[in.ConsumeIntegralInRange(0, 3)] = in.ConsumeIntegralInRange(-3, 3);
-  }
-}
-
-// Packed (0), padded, or bottom-up, in whole samples.
-int32_t pickStride(FuzzedDataProvider& in, int32_t rowBytes, int sample) {
-  const int32_t pitch = rowBytes + sample * in.ConsumeIntegralInRange(0, 20);
-  switch (in.ConsumeIntegralInRange(0, 2)) {
-    case 0:
-      return 0;
-    case 1:
-      return pitch;
-    default:
-      return -pitch;
   }
 }
 
@@ -108,10 +98,10 @@ void run(FuzzedDataProvider& in) {
   pickSizes(in, srcWidth, srcHeight, dstWidth, dstHeight);
   const int32_t srcRow = srcWidth * kSample;
   const int32_t dstRow = dstWidth * kSample;
-  const int32_t srcYStride = pickStride(in, srcRow, kSample);
-  const int32_t srcUVStride = pickStride(in, srcRow, kSample);
-  const int32_t dstYStride = pickStride(in, dstRow, kSample);
-  const int32_t dstUVStride = pickStride(in, dstRow, kSample);
+  const int32_t srcYStride = pickStride(in, srcRow, kSample, kMaxPad);
+  const int32_t srcUVStride = pickStride(in, srcRow, kSample, kMaxPad);
+  const int32_t dstYStride = pickStride(in, dstRow, kSample, kMaxPad);
+  const int32_t dstUVStride = pickStride(in, dstRow, kSample, kMaxPad);
   auto pitch = [](int32_t stride, int32_t row) {
     return stride == 0 ? row : stride;
   };
