@@ -41,9 +41,7 @@ std::vector<int> sortedIndexes(const std::vector<int>& counts) {
 }
 
 std::string dataPath() {
-  const std::string source = __FILE__;
-  return source.substr(0, source.rfind('/') + 1) +
-         "data/libcxx_sort_orders.txt";
+  return PAVONA_TEST_DATA_DIR "/libcxx_sort_orders.txt";
 }
 
 TEST(KMeansClusterSort, GivesLibcxxOrders) {
