@@ -137,9 +137,11 @@ TEST(ToolCommandLine, BadFilesAreNamedAndTheOthersStillProcessed) {
   EXPECT_EQ(errors[0], "pavona: " + missing + ": No such file or directory");
   EXPECT_EQ(errors[1].rfind("pavona: " + truncated + ": bad JPEG: ", 0), 0u)
       << errors[1];
-  EXPECT_EQ(errors[2], "pavona: " + corrupt +
-                           ": not a PNG or JPEG file (use --raw for camera "
-                           "frames)");
+  // Not a picture, so tried as a video (or refused for want of GStreamer).
+  EXPECT_EQ(
+      errors[2].rfind("pavona: " + corrupt + ": not a PNG or JPEG file", 0),
+      0u);
+  EXPECT_NE(errors[2].find("(use --raw for camera frames)"), std::string::npos);
   EXPECT_EQ(run.out.rfind(sample("coffee.jpg") + ": 600x400 as nv21", 0), 0u)
       << run.out;
   EXPECT_FALSE(hasLibraryChatter(run.out));

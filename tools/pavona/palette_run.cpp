@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -148,10 +149,15 @@ PaletteRun PaletteRunner::run(YuvFrame& frame, int colors, bool preview,
   observer_.canvas = RgbImage();
   observer_.memberCounts.clear();
   observer_.passes = -1;
+  double pluginSeconds = 0;
   if (seed) std::srand(*seed);
   {
     LibraryOutput output(verbose_);
+    const auto start = std::chrono::steady_clock::now();
     api_.singleProcessImage(handle_, &image, &param, nullptr);
+    pluginSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
+            .count();
   }
 
   PaletteRun result;
@@ -172,6 +178,7 @@ PaletteRun PaletteRunner::run(YuvFrame& frame, int colors, bool preview,
     throw ToolError(
         "the plug-in wrote no palette (run with --verbose to see its log)");
   }
+  result.pluginSeconds = pluginSeconds;
   result.passes = observer_.passes;
   result.workingWidth = engine_->m_downWidth;
   result.workingHeight = engine_->m_downHeight;

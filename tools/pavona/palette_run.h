@@ -24,7 +24,8 @@ struct PaletteRun {
   int passes = -1;
   int workingWidth = 0;
   int workingHeight = 0;
-  RgbImage preview;  // empty unless asked for
+  double pluginSeconds = 0;  // wall time inside singleProcessImage
+  RgbImage preview;          // empty unless asked for
 };
 
 class PaletteRunner {
