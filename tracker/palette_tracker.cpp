@@ -29,7 +29,7 @@ std::vector<TrackedSwatch> PaletteTracker::update(
                  track.lab.b + weight_ * (target.b - track.lab.b)};
     track.misses = 0;
     joined[row] = true;
-    result.push_back({track.id, {track.lab, rows[row].share}});
+    result.push_back({track.id, row, {track.lab, rows[row].share}});
   }
   tracks_.erase(std::remove_if(tracks_.begin(), tracks_.end(),
                                [](const Track& track) {
@@ -39,7 +39,7 @@ std::vector<TrackedSwatch> PaletteTracker::update(
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (joined[row]) continue;
     tracks_.push_back({nextId_, rows[row].lab, 0});
-    result.push_back({nextId_++, rows[row]});
+    result.push_back({nextId_++, static_cast<int>(row), rows[row]});
   }
   return result;
 }

@@ -11,7 +11,8 @@ namespace pavona::tracker {
 
 struct TrackedSwatch {
   int track = 0;  // identity: numbered from 0 in the order tracks start
-  Swatch swatch;  // the track's smoothed colour and this frame's share
+  int row = 0;    // the frame's row that joined or started it
+  Swatch swatch;  // the track's smoothed colour and the row's share
 };
 
 class PaletteTracker {
