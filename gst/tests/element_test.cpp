@@ -43,6 +43,8 @@ struct Harnessed {
     gst_element_set_bus(h->element, bus);
   }
   ~Harnessed() {
+    // Messages hold their element, which holds the bus: drop them first.
+    gst_bus_set_flushing(bus, TRUE);
     gst_harness_teardown(h);
     gst_object_unref(bus);
   }
