@@ -2,19 +2,138 @@
 // from an encoded clip, and buffer by buffer under gst-check's harness.
 #include <gst/check/gstharness.h>
 #include <gst/gst.h>
+#include <gst/video/video.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "pipeline_run.h"
-#include "test_frames.h"
+#include "tests/support/frames.h"
 
 namespace pavona::gsttest {
 namespace {
+
+struct StructureFree {
+  void operator()(GstStructure* s) const { gst_structure_free(s); }
+};
+using Structure = std::unique_ptr<GstStructure, StructureFree>;
+
+struct BusLog {
+  std::vector<Structure> palettes;  // the pavona-palette messages, in order
+  std::string error;                // the first error's text, or empty
+  int warnings = 0;
+};
+
+// Takes what waits on `bus`: up to EOS or an error when `until_end`, else
+// until it is empty.
+void readBus(GstBus* bus, BusLog* log, bool until_end) {
+  const auto types =
+      static_cast<GstMessageType>(GST_MESSAGE_ELEMENT | GST_MESSAGE_EOS |
+                                  GST_MESSAGE_ERROR | GST_MESSAGE_WARNING);
+  for (;;) {
+    GstMessage* message =
+        gst_bus_timed_pop_filtered(bus, until_end ? 60 * GST_SECOND : 0, types);
+    if (message == nullptr) {
+      if (until_end) ADD_FAILURE() << "no EOS or error within a minute";
+      return;
+    }
+    const GstMessageType type = GST_MESSAGE_TYPE(message);
+    if (type == GST_MESSAGE_ELEMENT &&
+        gst_message_has_name(message, "pavona-palette")) {
+      log->palettes.emplace_back(
+          gst_structure_copy(gst_message_get_structure(message)));
+    } else if (type == GST_MESSAGE_WARNING) {
+      ++log->warnings;
+    } else if (type == GST_MESSAGE_ERROR && log->error.empty()) {
+      GError* error = nullptr;
+      gst_message_parse_error(message, &error, nullptr);
+      log->error = error->message;
+      g_error_free(error);
+    }
+    gst_message_unref(message);
+    if (until_end && (type == GST_MESSAGE_EOS || type == GST_MESSAGE_ERROR)) {
+      return;
+    }
+  }
+}
+
+// Plays `pipeline` to EOS or the first error, then sets it to NULL.
+BusLog playToEnd(GstElement* pipeline) {
+  BusLog log;
+  GstBus* bus = gst_element_get_bus(pipeline);
+  gst_element_set_state(pipeline, GST_STATE_PLAYING);
+  readBus(bus, &log, true);
+  gst_element_set_state(pipeline, GST_STATE_NULL);
+  gst_object_unref(bus);
+  return log;
+}
+
+BusLog runPipeline(const std::string& description) {
+  GstElement* pipeline = gst_parse_launch(description.c_str(), nullptr);
+  if (pipeline == nullptr) ADD_FAILURE() << "cannot make " << description;
+  if (pipeline == nullptr) return {};
+  BusLog log = playToEnd(pipeline);
+  gst_object_unref(pipeline);
+  return log;
+}
+
+std::string colorsOf(const GstStructure* palette) {
+  gchar* text = gst_value_serialize(gst_structure_get_value(palette, "colors"));
+  std::string colors = text != nullptr ? text : "";
+  g_free(text);
+  return colors;
+}
+
+// A scene (varied by `seed`) as an NV12, NV21 or P010_10LE buffer with
+// video meta; `chroma_pad` extra bytes end each chroma row.
+GstBuffer* makeBuffer(GstVideoFormat format, int width, int height, int seed,
+                      int chroma_pad = 0) {
+  const bool words = format == GST_VIDEO_FORMAT_P010_10LE;
+  pavona::testing::Frame frame =
+      words ? pavona::testing::makeFrame10(width, height, seed)
+            : pavona::testing::makeFrame8(format == GST_VIDEO_FORMAT_NV21
+                                              ? IMAGE_FORMAT_NV21
+                                              : IMAGE_FORMAT_NV12,
+                                          width, height, seed);
+  const gsize row = static_cast<gsize>(width) * (words ? 2 : 1);
+  const gsize luma = row * height;
+  gint strides[2] = {static_cast<gint>(row),
+                     static_cast<gint>(row + chroma_pad)};
+  gsize offsets[2] = {0, luma};
+  GstBuffer* buffer = gst_buffer_new_allocate(
+      nullptr, luma + strides[1] * (height / 2), nullptr);
+  GstMapInfo map;
+  gst_buffer_map(buffer, &map, GST_MAP_WRITE);
+  memset(map.data, 0x5A, map.size);  // the padding, which must not matter
+  std::memcpy(map.data, frame.y.data(), luma);
+  for (int r = 0; r < height / 2; ++r) {
+    std::memcpy(map.data + luma + r * strides[1], frame.uv.data() + r * row,
+                row);
+  }
+  if (words) {  // 0..1023 words to P010's top-aligned bits
+    auto* samples = reinterpret_cast<guint16*>(map.data);
+    for (gsize i = 0; i < map.size / 2; ++i) {
+      samples[i] = GUINT16_TO_LE(static_cast<guint16>(samples[i] << 6));
+    }
+  }
+  gst_buffer_unmap(buffer, &map);
+  gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, format,
+                                 width, height, 2, offsets, strides);
+  return buffer;
+}
+
+std::string capsFor(GstVideoFormat format, int width, int height) {
+  return std::string("video/x-raw,format=") +
+         gst_video_format_to_string(format) +
+         ",width=" + std::to_string(width) +
+         ",height=" + std::to_string(height) + ",framerate=30/1";
+}
 
 std::string testPattern(const std::string& caps, const std::string& element,
                         int frames, const char* pattern = "smpte") {
@@ -81,22 +200,22 @@ TEST_P(Formats, VideoTestSrcGivesOneMessagePerAnalysedFrame) {
       const guint rows = gst_value_array_get_size(colors);
       ASSERT_GE(rows, 1u);
       ASSERT_LE(rows, 3u);
-      const double scale = std::strcmp(GetParam(), "P010_10LE") ? 1 : 1023;
+      const double to8 = std::strcmp(GetParam(), "P010_10LE") ? 1 : 255. / 1023;
+      const auto byte = [to8](double v) {
+        return static_cast<int>(std::lround(std::clamp(v * to8, 0.0, 255.0)));
+      };
       double shares = 0;
       for (guint row = 0; row < rows; ++row) {
         const GstStructure* c =
             gst_value_get_structure(gst_value_array_get_value(colors, row));
-        double rgb[3], lightness, share;
-        ASSERT_TRUE(gst_structure_get(
-            c, "r", G_TYPE_DOUBLE, &rgb[0], "g", G_TYPE_DOUBLE, &rgb[1], "b",
-            G_TYPE_DOUBLE, &rgb[2], "lightness", G_TYPE_DOUBLE, &lightness,
-            "share", G_TYPE_DOUBLE, &share, nullptr));
+        double r, g, b, lightness, share;
+        ASSERT_TRUE(gst_structure_get(c, "r", G_TYPE_DOUBLE, &r, "g",
+                                      G_TYPE_DOUBLE, &g, "b", G_TYPE_DOUBLE, &b,
+                                      "lightness", G_TYPE_DOUBLE, &lightness,
+                                      "share", G_TYPE_DOUBLE, &share, nullptr));
         char hex[8];
-        std::snprintf(
-            hex, sizeof hex, "#%02X%02X%02X",
-            (int)std::lround(rgb[0] * 255 / (scale == 1 ? 255 : scale)),
-            (int)std::lround(rgb[1] * 255 / (scale == 1 ? 255 : scale)),
-            (int)std::lround(rgb[2] * 255 / (scale == 1 ? 255 : scale)));
+        std::snprintf(hex, sizeof hex, "#%02X%02X%02X", byte(r), byte(g),
+                      byte(b));
         EXPECT_STREQ(gst_structure_get_string(c, "hex"), hex);
         EXPECT_GT(share, 0);
         shares += share;
@@ -262,6 +381,28 @@ TEST(PavonaPalette, DrawPaintsOnlyTheBand) {
                 draw);
       for (int y = height - band + 1; draw && y < height; ++y) {
         EXPECT_EQ(std::memcmp(b.data + top, b.data + y * row, row), 0);
+      }
+      if (draw) {  // the first swatch shows the first colour, in full range
+        const GstStructure* first =
+            gst_value_get_structure(gst_value_array_get_value(
+                gst_structure_get_value(e.log.palettes.at(0).get(), "colors"),
+                0));
+        double r, g, bl;
+        gst_structure_get(first, "r", G_TYPE_DOUBLE, &r, "g", G_TYPE_DOUBLE, &g,
+                          "b", G_TYPE_DOUBLE, &bl, nullptr);
+        const double half = bytes == 2 ? 512 : 128;
+        const double yuv[3] = {0.299 * r + 0.587 * g + 0.114 * bl,
+                               half - 0.168736 * r - 0.331264 * g + 0.5 * bl,
+                               half + 0.5 * r - 0.418688 * g - 0.081312 * bl};
+        const bool vu = format == GST_VIDEO_FORMAT_NV21;
+        const size_t at[3] = {top, chroma_top + (vu ? bytes : 0),
+                              chroma_top + (vu ? 0 : bytes)};
+        for (int i = 0; i < 3; ++i) {
+          const int sample = bytes == 2
+                                 ? GST_READ_UINT16_LE(b.data + at[i]) >> 6
+                                 : b.data[at[i]];
+          EXPECT_NEAR(sample, yuv[i], 1.0) << "component " << i;
+        }
       }
       gst_buffer_unmap(in, &a);
       gst_buffer_unmap(out, &b);
