@@ -83,9 +83,9 @@ static gboolean gst_pavona_palette_set_info(GstVideoFilter* filter,
          "planes under 2 GiB; got %dx%d",
          kMinSide, GST_VIDEO_INFO_WIDTH(in_info),
          GST_VIDEO_INFO_HEIGHT(in_info)),
-        ("below %dx%d the plug-in's working frame (1/32 of the size each "
-         "way, even) is empty",
-         kMinSide, kMinSide));
+        ("the plug-in takes even sizes, and its working frame is 1/32 of "
+         "the size each way with even sides: %d leaves it 2 pixels",
+         kMinSide));
     return FALSE;
   }
   InitParamData init = {0};
