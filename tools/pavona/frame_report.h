@@ -3,6 +3,8 @@
 #ifndef PAVONA_TOOLS_PAVONA_FRAME_REPORT_H_
 #define PAVONA_TOOLS_PAVONA_FRAME_REPORT_H_
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -46,7 +48,12 @@ struct FrameReport {
   double smooth = 0;  // the --smooth weight the colours went through
 };
 
-// "#RRGGBB": rounded and clamped; 10-bit rows scaled by 255/1023.
+// The row as 8-bit R, G, B: rounded and clamped; 10-bit rows scaled by
+// 255/1023.
+std::array<uint8_t, 3> colourBytes(const PaletteColour& colour,
+                                   IMAGE_FORMAT_TYPE format);
+
+// "#RRGGBB" of colourBytes.
 std::string hexColour(const PaletteColour& colour, IMAGE_FORMAT_TYPE format);
 
 // The colour's cluster as a percentage of the working frame's points, or

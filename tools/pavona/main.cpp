@@ -14,6 +14,7 @@
 #include "tools/pavona/image_decode.h"
 #include "tools/pavona/json_output.h"
 #include "tools/pavona/options.h"
+#include "tools/pavona/palette_preview.h"
 #include "tools/pavona/palette_run.h"
 #include "tools/pavona/png_write.h"
 #include "tools/pavona/preview_path.h"
@@ -41,9 +42,7 @@ FrameReport process(PaletteRunner& runner, const Options& options,
   if (!loaded.note.empty()) {
     std::fprintf(stderr, "pavona: %s: %s\n", path.c_str(), loaded.note.c_str());
   }
-  const bool preview = !options.preview.empty();
-  PaletteRun run =
-      runner.run(loaded.frame, options.colors, preview, options.seed);
+  PaletteRun run = runner.run(loaded.frame, options.colors, options.seed);
   FrameReport report;
   report.file = path;
   report.sourceWidth = loaded.sourceWidth;
@@ -58,10 +57,10 @@ FrameReport process(PaletteRunner& runner, const Options& options,
   report.passes = run.passes;
   report.seed = options.seed;
   report.colours = std::move(run.colours);
-  if (preview) {
+  if (!options.preview.empty()) {
     const std::string target =
         previewPath(options.preview, path, index, options.inputs.size());
-    writePng(target, run.preview);
+    writePng(target, renderPreview(loaded.frame, report));
     report.preview = target;
   }
   return report;

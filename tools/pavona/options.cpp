@@ -206,11 +206,13 @@ Options:
   -k, --colors K     colours to ask for (default 4). Passed on as given: the
                      plug-in uses 20 for K above 20 and 3 for K below 1, and
                      may write fewer rows when colours are equally distinct.
-      --preview PNG  save the plug-in's preview (the working image with a
-                     swatch per cluster). With several files, PNG gets -1,
-                     -2, ... before its extension; if PNG is a directory (or
-                     ends in /), each preview is DIR/<file name>.png.
-      --json         print one JSON array with an object per file.
+      --preview PNG  save a preview of each picture: the frame, at most 320
+                     pixels wide, above its colours, each as wide as its
+                     share. With several files, PNG gets -1, -2, ... before
+                     its extension; if PNG is a directory (or ends in /),
+                     each preview is DIR/<file name>.png.
+      --json         print one JSON array with an object per picture (per
+                     analysed frame for videos).
       --seed N       call srand(N) before every frame. For K other than 4
                      and 8 the plug-in seeds k-means from rand(), so palettes
                      drift from frame to frame; a seed makes runs repeatable.

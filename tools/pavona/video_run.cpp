@@ -65,12 +65,9 @@ TimelineColumn columnOf(const FrameReport& report, const YuvFrame& frame,
   column.seconds = report.seconds.value_or(0);
   column.thumbnail = frameThumbnail(frame, kTimelineThumbnailWidth);
   for (const tracker::TrackedSwatch& entry : order.update(swatchesOf(report))) {
-    const std::string hex = hexColour(report.colours[entry.row], report.format);
-    const unsigned value = std::stoul(hex.substr(1), nullptr, 16);
-    column.bands.push_back({static_cast<uint8_t>(value >> 16),
-                            static_cast<uint8_t>(value >> 8 & 0xFF),
-                            static_cast<uint8_t>(value & 0xFF),
-                            entry.swatch.share});
+    const std::array<uint8_t, 3> rgb =
+        colourBytes(report.colours[entry.row], report.format);
+    column.bands.push_back({rgb[0], rgb[1], rgb[2], entry.swatch.share});
   }
   return column;
 }
@@ -126,7 +123,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
     progress.showPart(duration > 0 ? decoded.seconds / duration : 0, label);
     PaletteRun run;
     try {
-      run = runner->run(frame, options.colors, false, options.seed);
+      run = runner->run(frame, options.colors, options.seed);
     } catch (const ToolError& error) {
       progress.clear();
       throw ToolError(std::string(label) + ": " + error.what());
