@@ -19,7 +19,7 @@ class PaletteTracker {
  public:
   // A new frame's row joins the track it is matched with when their ΔE00
   // is at most this; otherwise it starts a track of its own.
-  static constexpr double kJoinDeltaE = 10;
+  static constexpr double kJoinDeltaE = 20;
   // A track ends after this many frames in a row without a row joining it.
   static constexpr int kPatience = 3;
 
