@@ -57,4 +57,8 @@ Rgb rgbFromLab(const Lab& lab, double scale) {
           channel(0.055648 * x - 0.204043 * y + 1.057311 * z)};
 }
 
+float rowLightness(float r, float g, float b) {
+  return (std::min({r, g, b}) + std::max({r, g, b})) * 10.0f / 51.0f;
+}
+
 }  // namespace pavona::tracker

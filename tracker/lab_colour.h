@@ -24,6 +24,10 @@ Lab labFromRgb(const Rgb& rgb, double scale);
 // The inverse of labFromRgb, clamped to 0..scale.
 Rgb rgbFromLab(const Lab& lab, double scale);
 
+// The lightness figure the plug-in writes beside a row, (min + max) * 10 /
+// 51 at every bit depth, for rows the tracker has moved.
+float rowLightness(float r, float g, float b);
+
 }  // namespace pavona::tracker
 
 #endif  // PAVONA_TRACKER_LAB_COLOUR_H_

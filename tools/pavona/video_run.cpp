@@ -48,10 +48,7 @@ void smoothColours(FrameReport& report, tracker::PaletteTracker& tracker) {
     colour.r = static_cast<float>(rgb.r);
     colour.g = static_cast<float>(rgb.g);
     colour.b = static_cast<float>(rgb.b);
-    // The plug-in's own lightness figure, from the new row.
-    colour.lightness = (std::min({colour.r, colour.g, colour.b}) +
-                        std::max({colour.r, colour.g, colour.b})) *
-                       10.0f / 51.0f;
+    colour.lightness = tracker::rowLightness(colour.r, colour.g, colour.b);
     smoothed.push_back(colour);
   }
   report.colours = std::move(smoothed);
