@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/export.h"
 #include "api/pavona_host.h"
+#include "base/export.h"
 #include "src/frame_outcome.h"
 #include "src/neon/KMeansAlgo_neon.h"
 
@@ -47,6 +47,17 @@ class PAVONA_EXPORT KImages {
   void colorChosen(float (*palette)[4], IMAGE_FORMAT_TYPE format);
   // Renders the preview canvas in scratch memory and releases it.
   void displayPalette(const char* name, IMAGE_FORMAT_TYPE format);
+  // The preview canvas, 8-bit RGB, for the current working size.
+  struct CanvasSize {
+    int32_t width;
+    int32_t height;
+    int32_t stride;  // bytes a row
+  };
+  PAVONA_HIDDEN CanvasSize paletteCanvasSize() const;
+  // Draws the preview into `canvas` (laid out as paletteCanvasSize says),
+  // with `working` (3 bytes a working pixel) as scratch.
+  PAVONA_HIDDEN void drawPalette(IMAGE_FORMAT_TYPE format, uint8_t* working,
+                                 uint8_t* canvas) const;
   // One frame, image in, palette rows out.
   int processKImages(Image* image, ProcessParamData* param);
   // Clusters the current points; returns KMeansAlgo::init's status.
@@ -65,7 +76,7 @@ class PAVONA_EXPORT KImages {
   std::unique_ptr<uint8_t[]> m_downImage;
   std::unique_ptr<_Point[]> m_points;
   std::unique_ptr<_Point[]> m_clusters;
-  // Declared last so that it is destroyed first.
+  // Declared after the buffers, so it is destroyed before them.
   std::unique_ptr<KMeansAlgo> m_KMeansEngine;
 
   KImagesObserver* m_observer;
