@@ -1,7 +1,8 @@
 /* A QEMU TCG plugin that counts the guest instructions executed between the
  * start and stop markers of count_marker.h, and prints each marked region
- * and their mean, minimum and maximum on standard error when the guest
- * exits. (qemu_plugin_outs would print only under -d plugin.)
+ * and their mean, minimum and maximum when the guest exits: to the file
+ * named by the argument out=PATH, else to standard error (qemu_plugin_outs
+ * would print only under -d plugin).
  *
  * Debian ships QEMU without its plugin header, so the few declarations used
  * here are made below, as plugin API version 1 defines them. */
@@ -10,6 +11,7 @@
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include "bench/aarch64/count_marker.h"
 
@@ -50,6 +52,7 @@ static int inRegion;
 static uint64_t* regions;
 static size_t regionCount;
 static size_t regionCapacity;
+static FILE* report;
 
 static void onTranslate(qemu_plugin_id_t id, struct qemu_plugin_tb* tb) {
   (void)id;
@@ -83,28 +86,35 @@ static void onSyscall(qemu_plugin_id_t id, unsigned int vcpu, int64_t num,
 
 static void onExit(qemu_plugin_id_t id, void* userdata) {
   (void)id, (void)userdata;
+  FILE* out = report ? report : stderr;
   uint64_t sum = 0, low = UINT64_MAX, high = 0;
   for (size_t i = 0; i < regionCount; ++i) {
-    fprintf(stderr, "insn-count: region %zu: %" PRIu64 "\n", i, regions[i]);
+    fprintf(out, "insn-count: region %zu: %" PRIu64 "\n", i, regions[i]);
     sum += regions[i];
     if (regions[i] < low) low = regions[i];
     if (regions[i] > high) high = regions[i];
   }
   if (regionCount == 0) {
-    fputs("insn-count: no marked region\n", stderr);
+    fputs("insn-count: no marked region\n", out);
   } else {
-    fprintf(stderr,
+    fprintf(out,
             "insn-count: regions %zu mean %.1f min %" PRIu64 " max %" PRIu64
             "\n",
             regionCount, (double)sum / (double)regionCount, low, high);
   }
   free(regions);
+  if (report) fclose(report);
 }
 
 PLUGIN_EXPORT int qemu_plugin_install(qemu_plugin_id_t id,
                                       const qemu_info_t* info, int argc,
                                       char** argv) {
-  (void)info, (void)argc, (void)argv;
+  (void)info;
+  for (int i = 0; i < argc; ++i) {
+    if (strncmp(argv[i], "out=", 4) != 0) continue;
+    report = fopen(argv[i] + 4, "w");
+    if (!report) return -1;
+  }
   qemu_plugin_register_vcpu_tb_trans_cb(id, onTranslate);
   qemu_plugin_register_vcpu_syscall_cb(id, onSyscall);
   qemu_plugin_register_atexit_cb(id, onExit, NULL);

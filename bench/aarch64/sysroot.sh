@@ -33,5 +33,10 @@ while read -r needed; do
 done < <(find "$root" -name '*.so.*' -type f -exec aarch64-linux-gnu-readelf -d {} + |
   sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
 [[ $missing -eq 0 ]]
+# What the table names as the peers.
+for deb in "$debs"/*.deb; do
+  dpkg-deb -W --showformat='${Package} ${Version}\n' "$deb"
+done | grep -E '^(libyuv0|libopencv-core406|libopencv-imgproc406) ' |
+  paste -sd, | sed 's/,/, /g' >"$root/versions"
 rm -rf "$debs"
 touch "$root/.complete"
