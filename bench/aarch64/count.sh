@@ -56,8 +56,9 @@ done
 while (($(jobs -rp | wc -l) > 0)); do wait -n || failed=1; done
 ((failed == 0))
 
-# mean NAME, passes NAME
+# mean NAME, span NAME (min - max), passes NAME
 mean() { sed -n 's/.* mean \([0-9.]*\) .*/\1/p' "$out/$1.txt"; }
+span() { sed -n 's/.* min \([0-9]*\) max \([0-9]*\)/\1 - \2/p' "$out/$1.txt"; }
 passes() { sed -n 's/^passes //p' "$out/$1.out"; }
 # Same regions, to the instruction, in both runs of k = 4, 8 and 20?
 agree=yes
@@ -65,52 +66,57 @@ for k in 4 8 20; do
   cmp -s "$out/frame_k$k.txt" "$out/again_k$k.txt" || agree="NO (k = $k differs)"
 done
 
+# Columns: stage, k, ours, ours' min - max, peer, peer's count, floor.
 rows=()
 row() { rows+=("$(printf '%s\t' "$@")"); }
-row "Resize of both planes to 124x92" "" "$(mean resize)" \
-  "libyuv ScalePlane + UVScale, nearest" "$(mean resize_libyuv)"
-row "" "" "$(mean resize)" "OpenCV resize, nearest" "$(mean resize_opencv)"
-row "YUV to float RGB, 124x92" "" "$(mean convert)" \
-  "libyuv NV21ToRGB24 + ByteToFloat" "$(mean convert_libyuv)"
-row "" "" "$(mean convert)" "OpenCV cvtColorTwoPlane + convertTo" \
-  "$(mean convert_opencv)"
+# ours STAGE K CASE [PEER PEER-CASE]: a row of means.
+ours() { row "$1" "$2" "$(mean "$3")" "$(span "$3")" "${4:-}" "${5:+$(mean "$5")}"; }
+div() { awk -v a="$1" -v b="$2" 'BEGIN { print a / b }'; }
+mul() { awk -v a="$1" -v b="$2" 'BEGIN { print a * b }'; }
+ours "Resize of both planes to 124x92" "" resize \
+  "libyuv ScalePlane + UVScale, nearest" resize_libyuv
+ours "" "" resize "OpenCV resize, nearest" resize_opencv
+ours "YUV to float RGB, 124x92" "" convert \
+  "libyuv NV21ToRGB24 + ByteToFloat" convert_libyuv
+ours "" "" convert "OpenCV cvtColorTwoPlane + convertTo" convert_opencv
 for k in 3 8 20; do
-  ours=$(mean kmeans_k$k) p=$(passes kmeans_k$k) cvp=$(passes kmeans_opencv_k$k)
-  floor=$(awk -v s="$(mean floor_k$k)" -v p="$p" 'BEGIN { print s * p }')
-  row "k-means, whole ($p passes; OpenCV $cvp)" $k "$ours" \
-    "OpenCV kmeans, whole" "$(mean kmeans_opencv_k$k)" "$floor"
-  row "k-means, a pass" $k "$(awk -v a="$ours" -v p="$p" 'BEGIN { print a / p }')" \
-    "OpenCV kmeans, a pass" \
-    "$(awk -v a="$(mean kmeans_opencv_k$k)" -v p="$cvp" 'BEGIN { print a / p }')" \
-    "$(mean floor_k$k)"
+  p=$(passes kmeans_k$k) cvp=$(passes kmeans_opencv_k$k)
+  sweep=$(mean floor_k$k)
+  row "k-means ($p passes; OpenCV $cvp)" $k "$(mean kmeans_k$k)" \
+    "$(span kmeans_k$k)" "OpenCV kmeans" "$(mean kmeans_opencv_k$k)" \
+    "$(mul "$sweep" "$p")"
+  row "k-means, a pass" $k "$(div "$(mean kmeans_k$k)" "$p")" "" \
+    "OpenCV kmeans, a pass" "$(div "$(mean kmeans_opencv_k$k)" "$cvp")" "$sweep"
 done
-for k in 3 8 20; do row "Colour selection" $k "$(mean select_k$k)"; done
-for k in 3 8 20; do row "Preview" $k "$(mean preview_k$k)"; done
-row "Whole frame through the table, mean of $(grep -c ': [0-9]' "$out/frame_k3.txt") frames" 3 \
-  "$(mean frame_k3)" "OpenCV whole-frame pipeline" "$(mean frame_opencv_k3)"
-row "Whole frame through the table" 4 "$(mean frame_k4)"
-row "" 8 "$(mean frame_k8)" "OpenCV whole-frame pipeline" "$(mean frame_opencv_k8)"
-row "" 20 "$(mean frame_k20)"
+for k in 3 8 20; do ours "Colour selection" $k select_k$k; done
+for k in 3 8 20; do ours "Preview" $k preview_k$k; done
+frames=$(grep -c ': [0-9]' "$out/frame_k3.txt")
+ours "Whole frame through the table, mean of $frames frames" 3 frame_k3 \
+  "OpenCV whole-frame pipeline" frame_opencv_k3
+ours "" 4 frame_k4
+ours "" 8 frame_k8 "OpenCV whole-frame pipeline" frame_opencv_k8
+ours "" 20 frame_k20
 
 cat <<HEAD
-AArch64 instructions executed, counted by qemu-aarch64 $(qemu-aarch64 --version |
-  sed -n 's/.*version \([^ ]*\).*/\1/p') (-cpu $cpu) through a TCG plugin,
-one thread, on the 4000x3000 NV21 photo frame of make bench; ours built
-by $(aarch64-linux-gnu-gcc -dumpfullversion) -O3 (Release), the peers as Debian ships them for arm64
-($(cat "$sysroot/versions")). Stages: the mean of $(grep -c ': [0-9]' "$out/resize.txt") repeats after a warm-up.
-The floor: one sweep summing the k-means lists' points in list order into
-k sums, times our passes.
+AArch64 instructions executed under qemu-aarch64 $(qemu-aarch64 --version |
+  sed -n 's/.*version \([^ ]*\).*/\1/p') -cpu $cpu, counted by our TCG plugin;
+one thread; the 4000x3000 NV21 photo frame of make bench and its working
+points. Ours: GCC $(aarch64-linux-gnu-gcc -dumpfullversion) -O3, the peers as Debian ships them for arm64
+($(cat "$sysroot/versions")).
+Stages: mean of $(grep -c ': [0-9]' "$out/resize.txt") repeats after a warm-up. Floor: one sweep summing the
+k-means lists' points in list order into k sums, times our passes. Lower
+is better in every ratio.
 
 HEAD
 printf '%s\n' "${rows[@]}" | awk -F'\t' '
   function n(x) { return x == "" ? "" : sprintf("%d", x + 0.5) }
   function r(a, b) { return (a == "" || b == "") ? "" : sprintf("%.2f", a / b) }
   BEGIN {
-    print "| Stage | k | Pavona | Peer | Peer count | ours/peer | Floor | ours/floor |"
-    print "|---|---:|---:|---|---:|---:|---:|---:|"
+    print "| Stage | k | Pavona | min - max | Peer | Peer | ours/peer | Floor | ours/floor |"
+    print "|---|---:|---:|---:|---|---:|---:|---:|---:|"
   }
-  { printf "| %s | %s | %s | %s | %s | %s | %s | %s |\n", $1, $2, n($3), $4, n($5),
-      r($3, $5), n($6), r($3, $6) }'
+  { printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", $1, $2, n($3), $4, $5,
+      n($6), r($3, $6), n($7), r($3, $7) }'
 echo
 echo "Two runs of the whole frame agree to the instruction for k = 4, 8, 20: $agree"
 echo "Counted in $((SECONDS - start)) s."
