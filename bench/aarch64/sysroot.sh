@@ -35,6 +35,7 @@ done < <(find "$root" -name '*.so.*' -type f -exec aarch64-linux-gnu-readelf -d 
 [[ $missing -eq 0 ]]
 # What the table names as the peers.
 for deb in "$debs"/*.deb; do
+  # shellcheck disable=SC2016 # dpkg-deb expands the fields
   dpkg-deb -W --showformat='${Package} ${Version}\n' "$deb"
 done | grep -E '^(libyuv0|libopencv-core406|libopencv-imgproc406) ' |
   paste -sd, | sed 's/,/, /g' >"$root/versions"
