@@ -22,8 +22,9 @@ namespace bench {
 
 namespace {
 
-constexpr const char* kStages[] = {"resize", "convert", "kmeans", "select",
-                                   "preview"};
+// In the order a frame with the preview on runs them.
+constexpr const char* kStages[] = {"resize", "convert", "kmeans", "preview",
+                                   "select"};
 
 // The engine's stages on one handle for the photo frame.
 class Stages {
