@@ -12,12 +12,11 @@ cmake --preset bench-aarch64 >/dev/null
 cmake --build --preset bench-aarch64 --target pavona_count_guest
 [[ -f build/release/CMakeCache.txt ]] || cmake --preset release >/dev/null
 cmake --build --preset release --target pavona_insn_count
-guest=$PWD/$build/bench/aarch64/pavona_count_guest
 plugin=$PWD/build/release/bench/aarch64/libpavona_insn_count.so
 
 # The dynamic loader comes from the cross toolchain; -L alone does not
-# carry the library path through to the guest.
-libs=$sysroot/usr/lib/aarch64-linux-gnu:$sysroot/lib/aarch64-linux-gnu
+# carry the library path through to the guest. Relative to $build.
+libs=sysroot/usr/lib/aarch64-linux-gnu:sysroot/lib/aarch64-linux-gnu
 libs+=:/usr/aarch64-linux-gnu/lib:/usr/lib/aarch64-linux-gnu/android
 cpu=neoverse-n1
 
@@ -26,10 +25,12 @@ cpu=neoverse-n1
 count() {
   local name=$1
   shift
-  # The guest sees only this environment: its size moves the stack, and
-  # with it the alignment work of a few string and memory calls.
-  env -i qemu-aarch64 -cpu $cpu -L /usr/aarch64-linux-gnu -E LD_LIBRARY_PATH="$libs" \
-    -plugin "$plugin,out=$out/$name.txt" "$guest" "$@" >"$out/$name.out" ||
+  # The guest's stack starts with its arguments and environment, whose
+  # size moves the alignment work of a few memory calls: so the same
+  # relative paths wherever the tree is, and no other environment.
+  (cd "$build" && env -i qemu-aarch64 -cpu $cpu -L /usr/aarch64-linux-gnu \
+    -E LD_LIBRARY_PATH="$libs" -plugin "$plugin,out=$out/$name.txt" \
+    ./bench/aarch64/pavona_count_guest "$@" >"$out/$name.out") ||
     { echo "bench-aarch64: $* failed" >&2; return 1; }
 }
 
