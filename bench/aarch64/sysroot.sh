@@ -19,7 +19,9 @@ rm -rf "$root" "$debs"
 mkdir -p "$debs"
 # _apt downloads into a folder it may write to.
 chmod 777 "$debs"
-(cd "$debs" && apt-get download -qq "${packages[@]/%/:arm64}")
+download() { (cd "$debs" && apt-get download -qq "${packages[@]/%/:arm64}"); }
+# A fresh machine may hold no package lists yet.
+download || { apt-get update -qq && download; }
 for deb in "$debs"/*.deb; do dpkg-deb -x "$deb" "$root"; done
 lib=$root/usr/lib/aarch64-linux-gnu
 # The links Debian's alternatives system would make.
