@@ -11,22 +11,6 @@
 #include "src/frame_outcome.h"
 #include "src/neon/KMeansAlgo_neon.h"
 
-// Lets our own tools see what a frame produced beyond the host's record.
-// Off unless installed with KImages::setObserver; the host's outputs are the
-// same with or without it.
-class KImagesObserver {
- public:
-  virtual ~KImagesObserver() = default;
-  // The finished preview: 8-bit RGB, `stride` bytes a row. Called before the
-  // canvas is released; the pointer is valid only during the call.
-  virtual void onPaletteCanvas(const uint8_t* rgb, int width, int height,
-                               int stride) = 0;
-  // After colour selection: for each written palette row, the member count
-  // of the cluster it came from (without the list's starting centre), and
-  // the number of k-means passes the frame ran.
-  virtual void onPaletteRows(const int* memberCounts, int rows, int passes) = 0;
-};
-
 class PAVONA_EXPORT KImages {
  public:
   KImages();
@@ -63,9 +47,6 @@ class PAVONA_EXPORT KImages {
   // Clusters the current points; returns KMeansAlgo::init's status.
   int getPalette();
 
-  // Installs (or, with null, removes) an observer; not owned.
-  void setObserver(KImagesObserver* observer);
-
   int32_t m_colorNum;
   int32_t m_maxColorNum;
   int32_t m_bytesPerSample;
@@ -79,7 +60,6 @@ class PAVONA_EXPORT KImages {
   // Declared after the buffers, so it is destroyed before them.
   std::unique_ptr<KMeansAlgo> m_KMeansEngine;
 
-  KImagesObserver* m_observer;
   // The last frame's outcome, for the frame-information call.
   pavona::FrameOutcome m_lastFrame;
 };

@@ -65,10 +65,6 @@ void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
   std::unique_ptr<uint8_t[]> canvas(
       new uint8_t[pavona::exactInt32(int64_t{size.stride} * size.height)]);
   drawPalette(format, working.get(), canvas.get());
-  if (m_observer != nullptr) {
-    m_observer->onPaletteCanvas(canvas.get(), size.width, size.height,
-                                size.stride);
-  }
 }
 
 void KImages::drawPalette(IMAGE_FORMAT_TYPE format, uint8_t* working,
