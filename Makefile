@@ -24,7 +24,18 @@ demo: deps
 	@echo
 	@build/release/tools/pavona/pavona --preview $(DEMO_DIR)/ samples/*.jpg
 	@echo
+	@rm -rf $(DEMO_DIR)/clip && mkdir -p $(DEMO_DIR)/clip
+	@build/release/tools/pavona/pavona_demo_frames $(DEMO_DIR)/clip \
+	  samples/coffee.jpg samples/chelsea.jpg
+	@gst-launch-1.0 -q multifilesrc location=$(DEMO_DIR)/clip/frame-%03d.png \
+	  caps=image/png,framerate=24/1 ! pngdec ! videoconvert ! \
+	  vp8enc deadline=1 target-bitrate=2000000 ! webmmux ! \
+	  filesink location=$(DEMO_DIR)/pan-and-cut.webm
+	@build/release/tools/pavona/pavona -k 3 --timeline $(DEMO_DIR)/timeline.png \
+	  $(DEMO_DIR)/pan-and-cut.webm
+	@echo
 	@echo "Previews of the palettes: $(DEMO_DIR)/*.png"
+	@echo "Palettes over time on $(DEMO_DIR)/pan-and-cut.webm: $(DEMO_DIR)/timeline.png"
 
 test: deps
 	@failed=(); \
