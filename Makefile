@@ -8,7 +8,7 @@ FUZZ_SMOKE_SECONDS ?= 5
 # Frames each of the soak's two handles processes in `make soak`.
 SOAK_FRAMES ?= 40000
 
-.PHONY: all deps demo test fuzz soak bench format clean
+.PHONY: all deps demo test fuzz soak bench bench-aarch64 format clean
 
 all: demo
 
@@ -84,6 +84,11 @@ bench:
 	  --benchmark_repetitions=$(BENCH_REPETITIONS) \
 	  --benchmark_enable_random_interleaving=true \
 	  --benchmark_min_time=$(BENCH_MIN_TIME) $(BENCH_ARGS)
+
+# AArch64 instructions a frame and a stage, counted under qemu-aarch64 by
+# our TCG plugin, beside Debian's arm64 libyuv and OpenCV; prints one table.
+bench-aarch64: deps
+	@bench/aarch64/count.sh
 
 format:
 	@git ls-files '*.c' '*.h' '*.cpp' | xargs clang-format -i
