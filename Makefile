@@ -26,7 +26,8 @@ demo: deps
 	@echo
 	@echo "Previews of the palettes: $(DEMO_DIR)/*.png"
 
-test: deps
+test:
+	@scripts/install-deps test fuzz
 	@failed=(); \
 	for p in $(TEST_PRESETS); do \
 	  echo "=== $$p: configure and build"; \
@@ -54,7 +55,8 @@ fuzz: deps
 	@cmake --build --preset fuzz
 	@fuzz/run.sh build/fuzz $(FUZZ_SECONDS)
 
-soak: deps
+soak:
+	@scripts/install-deps test
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release --target soak_test
 	@PAVONA_SOAK_FRAMES=$(SOAK_FRAMES) build/release/tests/soak_test
