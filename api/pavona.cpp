@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "api/frame_info.h"
 #include "api/log_sink.h"
 #include "src/KImages.h"
 
@@ -38,11 +39,13 @@ int32_t Pavona::pavonaProcess(Image* pImageData, void* pProcessData) {
       // Printed exactly when the engine failed: hosts grep for this line.
       PAVONA_LOGI("pavona_process succeeded!\n");
     }
+    mLastStatus = status;
     return status;
   }
   PAVONA_LOGE("pImageData %p mPVHandle %p pProcessData %p",
               static_cast<void*>(pImageData), static_cast<void*>(mPVHandle),
               pProcessData);
+  pavona::recordRefusedFrame(*this);
   return STATUS_INVALID_ARGUMENT;
 }
 
