@@ -21,13 +21,15 @@ headers=$(cd "$prefix" && find . -name '*.h' | sort | tr '\n' ' ')
 [[ -f $prefix/lib/libPavona.so ]] || fail "no lib/libPavona.so"
 [[ -f $prefix/lib/cmake/Pavona/PavonaConfig.cmake ]] || fail "no CMake package"
 
-# The example's first line names the plug-in's version, and none of its
-# lines runs into the plug-in's "close all log", which has no newline.
+# The example's first line names the plug-in's version; the installed
+# library answers pavonaGetFrameInfo; and none of the example's lines runs
+# into the plug-in's "close all log", which has no newline.
 expected="Pavona SDK_BASE_20200330_version_1.0"
 check_run() {
   local out
   out=$("$@") || fail "'$*' failed"
   [[ ${out%%$'\n'*} == "$expected" ]] || fail "'$*' printed '$out'"
+  grep -q '^  4 rows, [0-9]* passes, shares' <<<"$out" || fail "'$*' printed no frame information: $out"
   ! grep -q 'close all log.' <<<"$out" || fail "'$*' ran into the plug-in's text: $out"
 }
 

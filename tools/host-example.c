@@ -64,7 +64,8 @@ static void print_frame_info(GetFrameInfoFn get_frame_info, void* handle) {
   for (int row = 0; row < info.rows; ++row) {
     printf(" %.1f%%", pixels > 0 ? 100.0 * info.members[row] / pixels : 0.0);
   }
-  printf(" of %d x %d\n", info.workingWidth, info.workingHeight);
+  printf(" of the %d x %d working frame\n", info.workingWidth,
+         info.workingHeight);
 }
 
 int main(int argc, char** argv) {
