@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "api/pavona_ext.h"
 #include "src/KImages.h"
 

@@ -3,8 +3,12 @@
 #include <memory>
 
 #include "api/frame_info.h"
-#include "api/log_sink.h"
+#include "base/log_sink.h"
+#include "base/status.h"
 #include "src/KImages.h"
+
+// The layers below the face report with base's codes; hosts read these.
+static_assert(pavona::kStatusInvalidArgument == STATUS_INVALID_ARGUMENT);
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "api/frame_info.h"
-#include "api/log_sink.h"
+#include "base/log_sink.h"
 #include "api/pavona.h"
 
 int32_t gLogStatus = 1;

@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "src/size32.h"
 
 namespace {

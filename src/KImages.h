@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "api/pavona_host.h"
 #include "src/frame_outcome.h"
 #include "src/neon/KMeansAlgo_neon.h"

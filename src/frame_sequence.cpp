@@ -1,5 +1,5 @@
 // One frame through the engine: points, clusters, optional preview, palette.
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "src/KImages.h"
 
 namespace {
