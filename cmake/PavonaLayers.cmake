@@ -46,6 +46,10 @@ pavona_add_layer(kernels SEES base zel colorconv
 pavona_add_layer(engine SEES base zel colorconv src api/pavona_host.h)
 pavona_add_layer(face SEES base zel colorconv src api)
 
+# Outside the library: hosts of our own (the tool, the palette tracker) see
+# only the public headers and each other.
+pavona_include_view(host tools tracker api/pavona_host.h api/pavona_ext.h)
+
 # Every layer's objects in one target, for the shared library and for unit
 # suites, benchmarks and fuzz targets that reach internals.
 add_library(pavona_core INTERFACE)
