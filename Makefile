@@ -89,7 +89,8 @@ bench:
 
 # AArch64 instructions a frame and a stage, counted under qemu-aarch64 by
 # our TCG plugin, beside Debian's arm64 libyuv and OpenCV; prints one table.
-bench-aarch64: deps
+bench-aarch64:
+	@scripts/install-deps test
 	@bench/aarch64/count.sh
 
 format:
