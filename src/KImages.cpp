@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "src/size32.h"
 
 namespace {
@@ -35,10 +35,7 @@ KImages::KImages()
       m_downWidth(0),
       m_downHeight(0),
       m_downStride(0),
-      m_downRows(0),
-      m_observer(nullptr),
-      m_rowCluster{},
-      m_rowCount(0) {}
+      m_downRows(0) {}
 
 KImages::~KImages() = default;
 
@@ -91,5 +88,3 @@ void KImages::setParameters(int colorNum) {
 }
 
 int KImages::uninit() { return 0; }
-
-void KImages::setObserver(KImagesObserver* observer) { m_observer = observer; }

@@ -26,7 +26,7 @@ struct Layout {
   static constexpr auto vector =
       &pavona::internal::nv21_to_rgb_impl<T, uFirst, bits, 0>;
   static constexpr auto scalar =
-      &pavona::internal::nv21_to_rgb_impl_scalar<T, uFirst, bits, 0>;
+      &pavona::internal::nv21_to_rgb_impl_C<T, uFirst, bits, 0>;
 };
 using Nv21 = Layout<uint8_t, false, 8>;
 using Nv12 = Layout<uint8_t, true, 8>;

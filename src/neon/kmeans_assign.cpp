@@ -24,7 +24,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zel/neon/neon_compat.h"
+#include "base/neon_compat.h"
 
 namespace pavona::internal {
 
