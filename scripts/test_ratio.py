@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Counts the lines of C, C++, Python and shell that git tracks under tests/
-against the same languages everywhere else, and prints both with their
-ratio. Data files are in none of these languages, so they do not count.
-Extensionless files count when their first line names a shell or Python."""
+"""Counts the lines of C, C++, Python and shell that git tracks in tests/
+folders (tests/ and, for instance, gst/tests/) against the same languages
+everywhere else, and prints both with their ratio. Data files are in none
+of these languages, so they do not count. Extensionless files count when
+their first line names a shell or Python."""
 import os
 import subprocess
 import sys
@@ -30,7 +31,7 @@ def main():
         full = os.path.join(ROOT, path)
         if os.path.isfile(full) and is_source(full):
             with open(full, "rb") as f:
-                counts[path.startswith("tests/")] += sum(1 for _ in f)
+                counts["tests" in path.split("/")[:-1]] += sum(1 for _ in f)
     tests, rest = counts[True], counts[False]
     print(f"Test lines: {tests}; other lines: {rest}; "
           f"ratio {tests / max(rest, 1):.2f} (target 0.40 at most)")
