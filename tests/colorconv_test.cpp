@@ -75,21 +75,6 @@ struct Image {
   std::vector<T> chroma;
 };
 
-// Float output rows of 3 * width values and `pad` more, pre-filled.
-struct Output {
-  Output(int w, int h, int pad, float fill)
-      : stride(3 * w + pad), values(static_cast<size_t>(stride) * h, fill) {}
-  float* data() { return values.data(); }
-  int strideBytes() const { return stride * 4; }
-  Rgb at(int x, int r) const {
-    const float* p = &values[static_cast<size_t>(r) * stride + 3 * x];
-    return {p[0], p[1], p[2]};
-  }
-
-  int stride;
-  std::vector<float> values;
-};
-
 // Converts one 2x2 block of luma `y` with chroma elements (c0, c1) through
 // the entry and returns its pixel, after checking all four pixels agree.
 template <typename L>
@@ -150,10 +135,10 @@ TEST(Nv21ToRgbPixels, EveryEightBitChromaPairMatchesEquations) {
   auto check = [&](auto layout, bool uFirst) {
     using L = decltype(layout);
     for (auto convert : {L::vector, L::scalar}) {
-      Output out(image.width, image.height, 5, -1.0f);
+      std::vector<float> out(3 * image.width * image.height, -1.0f);
       ASSERT_EQ(0, convert(image.luma.data(), image.chroma.data(), out.data(),
                            image.width, image.height, image.strideBytes(),
-                           image.strideBytes(), out.strideBytes()));
+                           image.strideBytes(), 12 * image.width));
       int mismatches = 0;
       for (int r = 0; r < image.height; ++r) {
         for (int x = 0; x < image.width; ++x) {
@@ -161,11 +146,11 @@ TEST(Nv21ToRgbPixels, EveryEightBitChromaPairMatchesEquations) {
           const float c1 = image.uv(x | 1, r / 2);
           const Rgb want = referencePixel<8>(image.y(x, r), uFirst ? c0 : c1,
                                              uFirst ? c1 : c0);
-          const Rgb got = out.at(x, r);
           for (int c = 0; c < 3; ++c) {
-            if (bitsOf(got[c]) != bitsOf(want[c]) && ++mismatches <= 5) {
+            const float got = out[3 * (r * image.width + x) + c];
+            if (bitsOf(got) != bitsOf(want[c]) && ++mismatches <= 5) {
               ADD_FAILURE() << "pixel (" << x << ", " << r << ") channel " << c
-                            << ": " << got[c] << " != " << want[c];
+                            << ": " << got << " != " << want[c];
             }
           }
         }
@@ -283,9 +268,9 @@ TYPED_TEST(Nv21ToRgbEntry, LooseStrideChecksPass) {
             image.strideBytes(), image.strideBytes(), 3 * w);
   EXPECT_EQ(0, std::memcmp(viaEntry.data(), viaScalar.data(),
                            floats * sizeof(float)));
-  Output out(w, h, 0, 0.0f);
+  std::vector<float> out(3 * w * h);
   EXPECT_EQ(0, L::entry(image.luma.data(), image.chroma.data(), out.data(), w,
-                        h, w, w, out.strideBytes()));
+                        h, w, w, 12 * w));
 }
 
 }  // namespace
