@@ -37,7 +37,8 @@ demo: deps
 	@echo "Previews of the palettes: $(DEMO_DIR)/*.png"
 	@echo "Palettes over time on $(DEMO_DIR)/pan-and-cut.webm: $(DEMO_DIR)/timeline.png"
 
-test: deps
+test:
+	@scripts/install-deps test fuzz
 	@failed=(); \
 	for p in $(TEST_PRESETS); do \
 	  echo "=== $$p: configure and build"; \
@@ -71,7 +72,8 @@ fuzz: deps
 	@cmake --build --preset fuzz
 	@fuzz/run.sh build/fuzz $(FUZZ_SECONDS)
 
-soak: deps
+soak:
+	@scripts/install-deps test
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release --target soak_test
 	@PAVONA_SOAK_FRAMES=$(SOAK_FRAMES) build/release/tests/soak_test
@@ -93,7 +95,8 @@ bench:
 
 # AArch64 instructions a frame and a stage, counted under qemu-aarch64 by
 # our TCG plugin, beside Debian's arm64 libyuv and OpenCV; prints one table.
-bench-aarch64: deps
+bench-aarch64:
+	@scripts/install-deps test
 	@bench/aarch64/count.sh
 
 format:

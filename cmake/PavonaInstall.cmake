@@ -1,5 +1,5 @@
-# What `cmake --install` gives an integrator: libPavona.so, the one public
-# header, a CMake package (find_package(Pavona) -> Pavona::pavona) and a
+# What `cmake --install` gives an integrator: libPavona.so, the two public
+# headers, a CMake package (find_package(Pavona) -> Pavona::pavona) and a
 # pkg-config file. Everything else in the tree stays private.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -7,10 +7,10 @@ include(CMakePackageConfigHelpers)
 set(PAVONA_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Pavona)
 
 # The engine's objects are linked into the shared library, not exported:
-# consumers only ever see the library and the host-records header. Hosts
-# load the plug-in as plain libPavona.so, so it carries no soname version.
+# consumers only ever see the library and the two public headers. Hosts load
+# the plug-in as plain libPavona.so, so it carries no soname version.
 set_target_properties(pavona PROPERTIES
-  PUBLIC_HEADER ${PROJECT_SOURCE_DIR}/api/pavona_host.h
+  PUBLIC_HEADER "${PROJECT_SOURCE_DIR}/api/pavona_host.h;${PROJECT_SOURCE_DIR}/api/pavona_ext.h"
   EXPORT_NAME pavona
   # Debian keeps liblog out of the loader's path; keep finding it there.
   INSTALL_RPATH_USE_LINK_PATH ON)

@@ -97,7 +97,8 @@ const InitCase kInitCases[] = {
     // 65536 x 21846: 3 w h is 2^32 + 131072, which wraps to 131072.
     {"3 w h wraps to a small positive size", 2097152, 699072, IMAGE_FORMAT_NV21,
      0, Outcome::kInitThrows},
-    // 65536 x 10924: 3 w h is 2147745792, just past INT_MAX.
+    // 65536 x 10924: 3 w h is 2147745792, just past INT_MAX; one step
+    // beyond the largest size init takes (InitAtTheSizeLimit...).
     {"3 w h just past INT_MAX", 2097152, 349568, IMAGE_FORMAT_NV21, 0,
      Outcome::kInitThrows},
 };
@@ -161,10 +162,12 @@ INSTANTIATE_TEST_SUITE_P(HostileRecords, InitSizes,
                            return name;
                          });
 
-TEST(HostileRecords, InitTooLargeToAllocateThrowsAndLeaksNothing) {
-  // 67108862 x 2 working pixels: 201 MB of working frame and 1.6 GB of
-  // points, refused here by an allocator that has 64 MiB to give.
-  InitParamData init = initRecord(INT_MAX, 64);
+TEST(HostileRecords, InitAtTheSizeLimitAsksForMemoryAndLeaksNothing) {
+  // The largest init size with w = 65536: 349567 / 32 = 10923, h = 10922,
+  // 3 w h = 2147352576 <= INT_MAX. Its buffers, 10 GB, are more than a test
+  // may take: an allocator with 64 MiB to give tells a size that is asked
+  // for (plain bad_alloc) from one refused as a length.
+  InitParamData init = initRecord(2097152, 349567);
   void* handle = nullptr;
   const int64_t liveBefore = liveAllocations();
   bool threw = false;
@@ -414,35 +417,43 @@ TEST(HostileRecords, WidestAndTallestFramesAreSampledInsideTheirPlanes) {
   }
 }
 
-TEST(HostileRecords, PreviewTooLargeForItsThirtyTwoBitSizeIsRefused) {
-  // 8730000 x 2 working pixels fit every engine buffer, but the preview
-  // canvas, (3 w + 90) x (h + 80) bytes, is past INT_MAX as a 32-bit
-  // product: it must be refused, not wrapped into a smaller allocation.
-  const int64_t liveBefore = liveAllocations();
-  {
-    Handle handle(linkedTable(), initRecord(8730000 * 32, 64));
-    Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 5);
-    ProcessParamData param = untouchedRecord(1);
-    param.showPalette = 1;
-    bool refused = false;
-    bool otherFailure = false;
-    captureOutput([&] {
-      try {
-        linkedTable().singleProcessImage(handle.get(), &frame.image, &param,
-                                         nullptr);
-      } catch (const std::bad_array_new_length&) {
-        refused = true;
-      } catch (const std::bad_alloc&) {
-        otherFailure = true;
+TEST(HostileRecords, PreviewAtTheSizeLimitIsAskedForAndOneStepBeyondRefused) {
+  // The preview canvas is (3 w + 90) x (h + 80) bytes, a 32-bit product.
+  // With h = 2, w = 8729578 is the widest that fits: 2147483568 bytes, asked
+  // here of an allocator with 1 GiB to give (drawing it costs 2 GiB and many
+  // seconds). One step wider, w = 8729580, is 2147484060: refused as a
+  // length, not wrapped into a smaller allocation.
+  for (const bool fits : {true, false}) {
+    const int32_t width = fits ? 8729579 * 32 + 31 : 8729580 * 32;
+    const int64_t liveBefore = liveAllocations();
+    {
+      Handle handle(linkedTable(), initRecord(width, 64));
+      Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 64, 64, 5);
+      ProcessParamData param = untouchedRecord(1);
+      param.showPalette = 1;
+      bool askedFor = false;
+      bool refused = false;
+      captureOutput([&] {
+        FailingAllocations capped(0, size_t{1} << 30);
+        try {
+          linkedTable().singleProcessImage(handle.get(), &frame.image, &param,
+                                           nullptr);
+        } catch (const std::bad_array_new_length&) {
+          refused = true;
+        } catch (const std::bad_alloc&) {
+          askedFor = true;
+        }
+      });
+      EXPECT_EQ(askedFor, fits) << width;
+      EXPECT_EQ(refused, !fits) << width;
+      if (!fits) {
+        param.showPalette = 0;
+        handle.process(&frame.image, param);
+        EXPECT_FALSE(paletteUntouched(param)) << "without the preview it works";
       }
-    });
-    EXPECT_TRUE(refused);
-    EXPECT_FALSE(otherFailure) << "the size wrapped instead of being refused";
-    param.showPalette = 0;
-    handle.process(&frame.image, param);
-    EXPECT_FALSE(paletteUntouched(param)) << "without the preview it works";
+    }
+    EXPECT_EQ(liveAllocations(), liveBefore) << width;
   }
-  EXPECT_EQ(liveAllocations(), liveBefore);
 }
 
 }  // namespace

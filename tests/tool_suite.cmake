@@ -18,4 +18,5 @@ add_dependencies(tool_test pavona_cli)
 target_compile_definitions(tool_test PRIVATE
   PAVONA_SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples"
   PAVONA_TOOL_PATH="$<TARGET_FILE:pavona_cli>"
+  PAVONA_TOOL_LSAN_SUPPRESSIONS="${CMAKE_CURRENT_SOURCE_DIR}/tool_lsan.supp"
   PAVONA_PROJECT_VERSION="${PROJECT_VERSION}")

@@ -1,7 +1,13 @@
 /*
  * A camera host in miniature, in plain C: load libPavona.so, fill the entry
  * table through get_algo_api, make a handle for 4000 x 3000 NV21 frames,
- * process a few synthesised frames, print their palettes and release.
+ * process a few synthesised frames, print their palettes and what
+ * pavonaGetFrameInfo tells of each, and release.
+ *
+ * Builds with nothing but the installed headers:
+ *   gcc host-example.c $(pkg-config --cflags --libs pavona) -ldl
+ * The plug-in is the first argument, else PAVONA_LIBRARY_PATH, else
+ * libPavona.so found by the loader's search (LD_LIBRARY_PATH and the like).
  */
 #include <dlfcn.h>
 #include <math.h>
@@ -10,7 +16,14 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "pavona_ext.h"
 #include "pavona_host.h"
+
+#ifndef PAVONA_LIBRARY_PATH
+#define PAVONA_LIBRARY_PATH "libPavona.so"
+#endif
+
+typedef int32_t (*GetFrameInfoFn)(void* handle, PavonaFrameInfo* info);
 
 enum { kWidth = 4000, kHeight = 3000, kFrames = 3 };
 
@@ -35,6 +48,26 @@ static void synthesise_nv21(uint8_t* y_plane, uint8_t* vu_plane, int frame) {
   }
 }
 
+/* The rows, passes and each row's share of the working frame, from the
+ * frame-information call. */
+static void print_frame_info(GetFrameInfoFn get_frame_info, void* handle) {
+  if (get_frame_info == NULL) return;
+  PavonaFrameInfo info;
+  memset(&info, 0, sizeof info);
+  info.size = sizeof info;
+  if (get_frame_info(handle, &info) != 0) {
+    printf("  pavonaGetFrameInfo refused the handle\n");
+    return;
+  }
+  printf("  %d rows, %d passes, shares", info.rows, info.passes);
+  const double pixels = (double)info.workingWidth * info.workingHeight;
+  for (int row = 0; row < info.rows; ++row) {
+    printf(" %.1f%%", pixels > 0 ? 100.0 * info.members[row] / pixels : 0.0);
+  }
+  printf(" of the %d x %d working frame\n", info.workingWidth,
+         info.workingHeight);
+}
+
 int main(int argc, char** argv) {
   const char* path = argc > 1 ? argv[1] : PAVONA_LIBRARY_PATH;
   void* library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
@@ -49,11 +82,17 @@ int main(int argc, char** argv) {
     dlclose(library);
     return 1;
   }
+  /* Newer than the table: an older library may not have it. */
+  GetFrameInfoFn get_frame_info =
+      (GetFrameInfoFn)dlsym(library, "pavonaGetFrameInfo");
 
   PavonaApi api;
   memset(&api, 0, sizeof api);
   get_api(&api);
   printf("Pavona %s\n", api.getVersion());
+  if (get_frame_info == NULL) {
+    printf("(this libPavona.so has no pavonaGetFrameInfo)\n");
+  }
   api.setLogStatus(0);
 
   InitParamData init;
@@ -94,6 +133,9 @@ int main(int argc, char** argv) {
       param.palette[row][0] = NAN; /* marks rows the plug-in left alone */
     }
     api.singleProcessImage(handle, &image, &param, NULL);
+    /* With logs closed the call still prints "close all log", and no
+     * newline: end that line so that ours starts on its own. */
+    printf("\n");
 
     printf("frame %d:", frame);
     int written = 0;
@@ -104,6 +146,7 @@ int main(int argc, char** argv) {
       ++written;
     }
     printf("\n");
+    print_frame_info(get_frame_info, handle);
     if (written == 0) status = 1;
   }
   fflush(stdout);

@@ -82,7 +82,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
   tracker::PaletteTracker order(1);
   std::vector<TimelineColumn> columns;
   ProgressBar progress(0, !options.verbose && isatty(STDERR_FILENO));
-  const double duration = source.durationSeconds();
+  double duration = 0;  // known once the stream has started
 
   VideoRun result;
   VideoSummary& summary = result.summary;
@@ -114,6 +114,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
       runner = std::make_unique<PaletteRunner>(
           options.initWidth, options.initHeight, frame.format, options.verbose);
     }
+    if (duration <= 0) duration = source.durationSeconds();
     char label[64];
     std::snprintf(label, sizeof label, "frame %ld, %.1f s", index,
                   decoded.seconds);

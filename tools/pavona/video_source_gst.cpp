@@ -96,7 +96,8 @@ VideoSource::VideoSource(const std::string& path,
                          std::optional<IMAGE_FORMAT_TYPE> format)
     : pipeline_(std::make_unique<Pipeline>()) {
   GError* error = nullptr;
-  if (!gst_init_check(nullptr, nullptr, &error)) {
+  static const bool started = gst_init_check(nullptr, nullptr, &error);
+  if (!started) {
     const std::string text = error != nullptr ? error->message : "";
     g_clear_error(&error);
     throw ToolError("GStreamer does not start: " + text);
