@@ -8,7 +8,7 @@ FUZZ_SMOKE_SECONDS ?= 5
 # Frames each of the soak's two handles processes in `make soak`.
 SOAK_FRAMES ?= 40000
 
-.PHONY: all deps demo test fuzz soak bench bench-aarch64 format clean
+.PHONY: all deps demo test mutants fuzz soak bench bench-aarch64 format clean
 
 all: demo
 
@@ -57,8 +57,14 @@ test:
 	  cmake --build --preset fuzz && \
 	  ctest --test-dir build/fuzz/fuzz --output-on-failure && \
 	  fuzz/run.sh build/fuzz $(FUZZ_SMOKE_SECONDS); } || failed+=(fuzz); \
+	scripts/test_ratio.py; \
 	if [ $${#failed[@]} -ne 0 ]; then echo "FAILED presets: $${failed[*]}"; exit 1; fi; \
 	echo "All presets passed: $(TEST_PRESETS) tsan fuzz"
+
+# Plants each fault of scripts/mutants.txt in turn and checks that the
+# release suite catches it; MUTANTS=name-part picks some.
+mutants: deps
+	@scripts/mutants.py $(MUTANTS)
 
 fuzz: deps
 	@scripts/install-deps fuzz

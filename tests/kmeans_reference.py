@@ -89,7 +89,11 @@ def main():
               (0, 200, 0), (0, 0, 200), (0, 210, 0), (0, 0, 210)]
     cases = [("worked 4x2 k=4", worked, 4, 2, 4),
              ("blobs 14x10 k=4", lattice_grid(14, 10), 14, 10, 4),
-             ("blobs 13x9 k=8", lattice_grid(13, 9), 13, 9, 8)]
+             ("blobs 13x9 k=8", lattice_grid(13, 9), 13, 9, 8),
+             # Red moves most, so its doubled square decides the last pass.
+             ("red ramp 6x4 k=4",
+              [(float(j * 3 % 97), float(j % 3), 0.0) for j in range(24)],
+              6, 4, 4)]
     for name, grid, width, height, k in cases:
         passes, clusters = kmeans(grid, width, height, k, f32(0.001))
         print(f"{name}: {passes} passes")

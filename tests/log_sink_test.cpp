@@ -29,22 +29,6 @@ class LogSwitch : public ::testing::Test {
   }
 };
 
-TEST(SourceBaseName, TakesTextAfterLastSlash) {
-  EXPECT_STREQ(pavona::sourceBaseName("/a/b/pavonaAPI.cpp"), "pavonaAPI.cpp");
-  EXPECT_STREQ(pavona::sourceBaseName("pavona.cpp"), "pavona.cpp");
-  EXPECT_STREQ(pavona::sourceBaseName("dir/"), "");
-  EXPECT_STREQ(pavona::sourceBaseName(""), "");
-}
-
-TEST(ConsoleSink, PrefixesFileLineAndFunction) {
-  const int line = __LINE__ + 1;
-  auto captured = captureOutput([] { PAVONA_LOGI("value %d", 42); });
-  EXPECT_EQ(captured.out,
-            "set log status 3 1 logText [INFO][ log_sink_test.cpp ] " +
-                std::to_string(line) + "  operator()() value 42 \n");
-  EXPECT_EQ(captured.err, "");
-}
-
 TEST(ConsoleSink, MessageOf1023CharactersFits) {
   const std::string text(1023, 'x');
   auto captured = captureOutput([&] { logPrint(1, "%s", text.c_str()); });

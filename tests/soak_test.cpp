@@ -10,7 +10,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <vector>
 
@@ -31,43 +30,31 @@ namespace {
 
 using pavona::testing::captureOutput;
 using pavona::testing::Frame;
+using pavona::testing::initRecord;
 using pavona::testing::linkedTable;
 using pavona::testing::makeFrame10;
 using pavona::testing::makeFrame8;
 
-constexpr long kDefaultFramesPerHandle = 2000;
-constexpr long kWarmUpFrames = 200;
 // Allocator bookkeeping and stdio buffers move the resident set by a few
 // pages; a leak of even 16 bytes a frame over the long run is far above it.
 constexpr long kToleranceBytes = 256 * 1024;
 
-long framesPerHandle() {
-  const char* text = std::getenv("PAVONA_SOAK_FRAMES");
-  if (text == nullptr) return kDefaultFramesPerHandle;
-  const long frames = std::strtol(text, nullptr, 10);
-  return frames > 0 ? frames : kDefaultFramesPerHandle;
-}
-
 long residentBytes() {
   std::ifstream statm("/proc/self/statm");
-  long size = 0;
-  long resident = 0;
+  long size = 0, resident = 0;
   statm >> size >> resident;
   return resident * sysconf(_SC_PAGESIZE);
 }
 
 // Frames of every kind a handle meets: its own format and size, other
-// sizes, the other chroma order, and a frame it refuses.
+// sizes, the other chroma order, and a frame it refuses (odd width).
 std::vector<Frame> scenes(bool tenBit) {
   std::vector<Frame> frames;
   for (int seed = 0; seed < 3; ++seed) {
-    if (tenBit) {
-      frames.push_back(makeFrame10(640, 480, seed));
-      frames.push_back(makeFrame10(320, 240, seed));
-    } else {
-      frames.push_back(makeFrame8(IMAGE_FORMAT_NV21, 640, 480, seed));
-      frames.push_back(makeFrame8(IMAGE_FORMAT_NV12, 320, 240, seed));
-    }
+    frames.push_back(tenBit ? makeFrame10(640, 480, seed)
+                            : makeFrame8(IMAGE_FORMAT_NV21, 640, 480, seed));
+    frames.push_back(tenBit ? makeFrame10(320, 240, seed)
+                            : makeFrame8(IMAGE_FORMAT_NV12, 320, 240, seed));
     frames.push_back(makeFrame8(IMAGE_FORMAT_NV21, 1280, 720, seed));
   }
   frames.push_back(makeFrame8(IMAGE_FORMAT_NV21, 640, 480, 9));
@@ -79,53 +66,40 @@ std::vector<Frame> scenes(bool tenBit) {
 // frame.
 void process(void* handle, std::vector<Frame>& frames, long count, long first) {
   for (long f = first; f < first + count; ++f) {
-    ProcessParamData param;
-    std::memset(&param, 0, sizeof param);
+    ProcessParamData param{};
     param.colorNum = static_cast<int32_t>(f % 20 + 1);
     param.showPalette = f % 3 == 0;
-    Frame& frame = frames[f % frames.size()];
-    linkedTable().singleProcessImage(handle, &frame.image, &param, nullptr);
+    linkedTable().singleProcessImage(handle, &frames[f % frames.size()].image,
+                                     &param, nullptr);
   }
 }
 
 TEST(Soak, ResidentMemoryDoesNotGrowOverManyFramesAndHandles) {
-  const long frames = framesPerHandle();
-  std::vector<Frame> eightBit = scenes(false);
-  std::vector<Frame> tenBit = scenes(true);
-  InitParamData first;
-  std::memset(&first, 0, sizeof first);
-  first.width = 640;
-  first.height = 480;
-  first.format = IMAGE_FORMAT_NV21;
-  InitParamData second = first;
-  second.format = IMAGE_FORMAT_YUV420SP_10BIT;
-
-  long start = 0;
-  long end = 0;
+  const char* text = std::getenv("PAVONA_SOAK_FRAMES");
+  const long frames =
+      text != nullptr && std::atol(text) > 0 ? std::atol(text) : 2000;
+  std::vector<Frame> eightBit = scenes(false), tenBit = scenes(true);
+  long start = 0, end = 0;
   captureOutput([&] {
     linkedTable().setLogStatus(0);
     void* handle = nullptr;
-    linkedTable().algoInitHandle(&handle, &first);
-    process(handle, eightBit, kWarmUpFrames, 0);
+    InitParamData init = initRecord(640, 480, IMAGE_FORMAT_NV21);
+    linkedTable().algoInitHandle(&handle, &init);
+    process(handle, eightBit, 200, 0);
     start = residentBytes();
-    process(handle, eightBit, frames, kWarmUpFrames);
+    process(handle, eightBit, frames, 200);
     linkedTable().releaseHandle(handle, nullptr);
-
-    handle = nullptr;
-    linkedTable().algoInitHandle(&handle, &second);
+    init = initRecord(640, 480, IMAGE_FORMAT_YUV420SP_10BIT);
+    linkedTable().algoInitHandle(&handle, &init);
     process(handle, tenBit, frames, 0);
     end = residentBytes();
     linkedTable().releaseHandle(handle, nullptr);
     linkedTable().setLogStatus(1);
   });
-
   std::printf(
-      "soak: %ld frames on each of two handles; resident %ld KiB at start, "
-      "%ld KiB at end\n",
+      "soak: %ld frames on each of two handles; resident %ld KiB at "
+      "start, %ld KiB at end\n",
       frames, start / 1024, end / 1024);
-  RecordProperty("frames_per_handle", static_cast<int>(frames));
-  RecordProperty("resident_start_kib", static_cast<int>(start / 1024));
-  RecordProperty("resident_end_kib", static_cast<int>(end / 1024));
 #ifndef PAVONA_SOAK_UNDER_ASAN
   EXPECT_LE(end - start, kToleranceBytes);
 #endif
