@@ -17,12 +17,46 @@
 // nearest and labels, so the centre order is still 0 ... k-1.
 // Tail (the count mod 4 samples left) uses the weighted distance, scalar.
 //
+// Bounds (assignBounded). Let e_i = |x - c_i| be the real distance of a
+// body sample x to centre i, D_i its float distance above, a the label and
+// u = 2^-24. The gap G of a sample is a float with
+//   G > 0  =>  G <= min_{i != a} e_i - e_a.                        (1)
+// Rounding. D_i rounds five times over non-negative terms, and a square
+// may underflow, so |D_i - e_i^2| <= 5.01u e_i^2 + 2^-147, hence
+//   |fl(sqrt D_i) - e_i| <= 3.6u e_i + 2^-72.                      (2)
+// R (gapMargins) bounds every e_i of the pass from the samples' box and
+// the centres, in double rounded up, and margin = 16u R + 2^-60.
+// Measure: a full evaluation keeps beside the nearest distance D_a the
+// second nearest D_2 = min_{i != a} D_i (the nearest so far when a
+// centre comes nearer, else the smaller of d and D_2 so far) and sets
+//   G = fl(fl(fl(sqrt D_2) - fl(sqrt D_a)) - margin).
+// By (2), sqrt being monotone, the difference is at most
+// min e_i - e_a + 8.3u R + 2^-71 before its own rounding (u R): (1) holds.
+// Carry: centres move by real shifts s_i (double, rounded up); then
+// min_{i != a} e_i - e_a falls by at most s_a + max_{i != a} s_i, at most
+// the two largest shifts. drop = top1 + top2 + u (R + top1) rounded up, and
+// G' = fl(G - drop): G' > 0 needs G > drop > 0, and G <= R_last <=
+// R + top1, so the rounding of G - drop (at most u R_last) is covered and
+// (1) holds again.
+// Keep: if G' > margin then every e_i >= e_a + 16u R, and by the bound on
+// D above D_i > D_a for every i != a: the full evaluation, strict
+// comparison and ties alike, gives label a. R < 2^36 keeps every D below
+// kFar (about 2^73.8), so the starting distance never decides.
+// Not bounded, so evaluated in full: the first pass, a pass after an
+// unbounded one, any pass with a centre or sample not finite or R too
+// large, k > kMaxBoundedCentres, and the tail (weighted, always in full).
+// A block of four is evaluated in full when any of its gaps fails, with
+// the same compare-and-select chain as the body above, so its labels are
+// those of assignNearest.
+//
 // Reads count floats of each plane and k centres; writes only
-// nearest/labels[0 ... count-1].
+// nearest/labels[0 ... count-1] (gaps in place of nearest).
 #include "src/neon/kmeans_assign.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "zel/neon/neon_compat.h"
 
@@ -145,7 +179,181 @@ void assignChunks(SamplePlanes samples, int body, const _Point* centres, int k,
   }
 }
 
+// Square roots lane by lane (SIMDe 0.7 has no vsqrtq_f32), correctly
+// rounded as the scalar twin's.
+float32x4_t sqrtLanes(float32x4_t v) {
+  float lanes[4];
+  vst1q_f32(lanes, v);
+  for (float& lane : lanes) lane = std::sqrt(lane);
+  return vld1q_f32(lanes);
+}
+
+// The gap a full evaluation leaves: (sqrt D_2 - sqrt D_a) - margin.
+float32x4_t blockGap(float32x4_t best, float32x4_t second, float margin) {
+  return vsubq_f32(vsubq_f32(sqrtLanes(second), sqrtLanes(best)),
+                   vdupq_n_f32(margin));
+}
+
+// Blocks of four from j evaluated in full from kFar and label 0, keeping
+// the second nearest distance for the gap.
+template <int kBlocks>
+void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
+                   int k, float margin, float* gaps, int* labels) {
+  const float32x4_t far = vreinterpretq_f32_u8(vdupq_n_u8(kFarByte));
+  float32x4x3_t s[kBlocks];
+  float32x4_t best[kBlocks];
+  float32x4_t second[kBlocks];
+  int32x4_t label[kBlocks];
+  for (int b = 0; b < kBlocks; ++b) {
+    s[b] = loadSamples(samples, j + 4 * b);
+    const float32x4_t d = distance(s[b], centres[0]);
+    best[b] = vbslq_f32(vcltq_f32(d, far), d, far);
+    second[b] = far;
+    label[b] = vdupq_n_s32(0);
+  }
+  int32x4_t index = vdupq_n_s32(1);
+  for (int i = 1; i < k; ++i) {
+    for (int b = 0; b < kBlocks; ++b) {
+      const float32x4_t d = distance(s[b], centres[i]);
+      const uint32x4_t closer = vcltq_f32(d, best[b]);
+      const float32x4_t other =
+          vbslq_f32(vcltq_f32(d, second[b]), d, second[b]);
+      second[b] = vbslq_f32(closer, best[b], other);
+      best[b] = vbslq_f32(closer, d, best[b]);
+      label[b] = vbslq_s32(closer, index, label[b]);
+    }
+    index = vaddq_s32(index, vdupq_n_s32(1));
+  }
+  for (int b = 0; b < kBlocks; ++b) {
+    vst1q_f32(gaps + j + 4 * b, blockGap(best[b], second[b], margin));
+    vst1q_s32(labels + j + 4 * b, label[b]);
+  }
+}
+
+// Samples [0, last) in full, a pair of blocks at a time.
+void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
+                 int k, float margin, float* gaps, int* labels) {
+  int j = 0;
+  for (; j + 8 <= last; j += 8)
+    measureBlocks<2>(samples, j, centres, k, margin, gaps, labels);
+  for (; j < last; j += 4)
+    measureBlocks<1>(samples, j, centres, k, margin, gaps, labels);
+}
+
+// Gaps of the last pass after the drop; blocks that cannot keep their
+// labels are measured again.
+void carryBody(SamplePlanes samples, int last, const CentreVectors* centres,
+               int k, const GapMargins& margins, float* gaps, int* labels) {
+  const float32x4_t drop = vdupq_n_f32(margins.drop);
+  const float32x4_t margin = vdupq_n_f32(margins.margin);
+  for (int j = 0; j < last; j += 4) {
+    const float32x4_t gap = vsubq_f32(vld1q_f32(gaps + j), drop);
+    if (vminvq_u32(vcgtq_f32(gap, margin)) != 0) {
+      vst1q_f32(gaps + j, gap);
+    } else {
+      measureBlocks<1>(samples, j, centres, k, margins.margin, gaps, labels);
+    }
+  }
+}
+
+// Scalar twin of measureBlocks<1>.
+void measureBlock_C(const _Point* samples, int j, const _Point* centres, int k,
+                    float margin, float* gaps, int* labels) {
+  float far;
+  std::memset(&far, kFarByte, sizeof far);
+  for (int l = j; l < j + 4; ++l) {
+    float best = far;
+    float second = far;
+    int label = 0;
+    for (int i = 0; i < k; ++i) {
+      const float d = plainDistance(samples[l], centres[i]);
+      if (d < best) {
+        second = best;
+        best = d;
+        label = i;
+      } else if (d < second) {
+        second = d;
+      }
+    }
+    gaps[l] = (std::sqrt(second) - std::sqrt(best)) - margin;
+    labels[l] = label;
+  }
+}
+
+// The tail as assignNearest leaves it.
+template <class Sample>
+void assignTailFromFar(Sample sample, int body, int count,
+                       const _Point* centres, int k, float* nearest,
+                       int* labels) {
+  std::memset(nearest + body, kFarByte, sizeof(float) * (count - body));
+  std::memset(labels + body, 0, sizeof(int) * (count - body));
+  assignTail(sample, body, count, centres, k, nearest, labels);
+}
+
+double maxAbs(double a, float b, float c) {
+  return std::max(a, std::fabs(static_cast<double>(b) - c));
+}
+
+bool finite(const _Point& p) {
+  return std::isfinite(p.r) && std::isfinite(p.g) && std::isfinite(p.b);
+}
+
+// The smallest float not below x.
+float roundUp(double x) {
+  const float f = static_cast<float>(x);
+  return static_cast<double>(f) < x ? std::nextafter(f, INFINITY) : f;
+}
+
 }  // namespace
+
+SampleBox sampleBox(const _Point* samples, int count) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  SampleBox box{{INFINITY, INFINITY, INFINITY},
+                {-INFINITY, -INFINITY, -INFINITY}};
+  for (int j = 0; j < count; ++j) {
+    const _Point& p = samples[j];
+    if (!finite(p)) return {{nan, nan, nan}, {nan, nan, nan}};
+    box.low = {std::min(box.low.r, p.r), std::min(box.low.g, p.g),
+               std::min(box.low.b, p.b)};
+    box.high = {std::max(box.high.r, p.r), std::max(box.high.g, p.g),
+                std::max(box.high.b, p.b)};
+  }
+  return box;
+}
+
+GapMargins gapMargins(const SampleBox& box, const _Point* last,
+                      const _Point* centres, int k) {
+  constexpr double kU = 0x1p-24;
+  // Covers the double roundings of R and of the shifts.
+  constexpr double kSlack = 1 + 0x1p-40;
+  bool usable = finite(box.low) && finite(box.high);
+  double reach[3] = {0, 0, 0};
+  double top1 = 0;
+  double top2 = 0;
+  for (int i = 0; i < k; ++i) {
+    const _Point& c = centres[i];
+    usable = usable && finite(c);
+    reach[0] = maxAbs(maxAbs(reach[0], c.r, box.low.r), box.high.r, c.r);
+    reach[1] = maxAbs(maxAbs(reach[1], c.g, box.low.g), box.high.g, c.g);
+    reach[2] = maxAbs(maxAbs(reach[2], c.b, box.low.b), box.high.b, c.b);
+    const double dr = static_cast<double>(c.r) - last[i].r;
+    const double dg = static_cast<double>(c.g) - last[i].g;
+    const double db = static_cast<double>(c.b) - last[i].b;
+    const double shift = std::sqrt(dr * dr + dg * dg + db * db) * kSlack;
+    if (shift > top1) {
+      top2 = top1;
+      top1 = shift;
+    } else if (shift > top2) {
+      top2 = shift;
+    }
+  }
+  const double reachAll = std::sqrt(reach[0] * reach[0] + reach[1] * reach[1] +
+                                    reach[2] * reach[2]) *
+                          kSlack;
+  usable = usable && reachAll < 0x1p36;
+  return {usable, roundUp((top1 + top2 + kU * (reachAll + top1)) * kSlack),
+          roundUp(16 * kU * reachAll + 0x1p-60)};
+}
 
 SamplePlanes splitSamples_NEON(const _Point* samples, int count,
                                float* planes) {
@@ -202,6 +410,65 @@ void assignNearest_C(const _Point* samples, int count, const _Point* centres,
   }
   assignTail([&](int j) { return samples[j]; }, body, count, centres, k,
              nearest, labels);
+}
+
+void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
+                        int k, const GapMargins& margins, bool held,
+                        float* gaps, int* labels) {
+  CentreVectors vectors[kMaxBoundedCentres];
+  for (int i = 0; i < k; ++i) {
+    vectors[i] = {vdupq_n_f32(centres[i].r), vdupq_n_f32(centres[i].g),
+                  vdupq_n_f32(centres[i].b)};
+  }
+  const int body = count / 4 * 4;
+  if (held) {
+    carryBody(samples, body, vectors, k, margins, gaps, labels);
+  } else {
+    measureBody(samples, body, vectors, k, margins.margin, gaps, labels);
+  }
+  assignTailFromFar([&](int j) { return sampleAt(samples, j); }, body, count,
+                    centres, k, gaps, labels);
+}
+
+void assignBounded_C(const _Point* samples, int count, const _Point* centres,
+                     int k, const GapMargins& margins, bool held, float* gaps,
+                     int* labels) {
+  const int body = count / 4 * 4;
+  for (int j = 0; j < body; j += 4) {
+    bool keep = held;
+    for (int l = j; l < j + 4; ++l)
+      keep = keep && gaps[l] - margins.drop > margins.margin;
+    if (keep) {
+      for (int l = j; l < j + 4; ++l) gaps[l] -= margins.drop;
+    } else {
+      measureBlock_C(samples, j, centres, k, margins.margin, gaps, labels);
+    }
+  }
+  assignTailFromFar([&](int j) { return samples[j]; }, body, count, centres, k,
+                    gaps, labels);
+}
+
+BoundedAssignment::BoundedAssignment(const _Point* samples, SamplePlanes planes,
+                                     int count, float* gaps, int* labels)
+    : planes_(planes),
+      count_(count),
+      gaps_(gaps),
+      labels_(labels),
+      box_(sampleBox(samples, count)) {}
+
+void BoundedAssignment::assign(const _Point* centres, int k) {
+  const bool boundable = k >= 1 && k <= kMaxBoundedCentres;
+  const GapMargins margins =
+      boundable ? gapMargins(box_, held_ ? last_ : centres, centres, k)
+                : GapMargins{false, 0, 0};
+  if (margins.usable) {
+    assignBounded_NEON(planes_, count_, centres, k, margins, held_, gaps_,
+                       labels_);
+    std::copy(centres, centres + k, last_);
+  } else {
+    assignNearest_NEON(planes_, count_, centres, k, gaps_, labels_);
+  }
+  held_ = margins.usable;
 }
 
 }  // namespace pavona::internal

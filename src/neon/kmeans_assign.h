@@ -60,6 +60,73 @@ void assignNearest_NEON(SamplePlanes samples, int count, const _Point* centres,
 void assignNearest_C(const _Point* samples, int count, const _Point* centres,
                      int k, float* nearest, int* labels);
 
+// The bounded assignment: each body sample keeps a gap, a lower bound on
+// how much nearer its own centre is than any other, and only samples whose
+// gap cannot prove the label unchanged are evaluated again.
+
+// Centres the bounded assignment takes; larger k evaluates in full.
+constexpr int kMaxBoundedCentres = 20;
+
+// Smallest box holding every sample, or NaN corners when a sample is not
+// finite (then no pass can be bounded).
+struct SampleBox {
+  _Point low;
+  _Point high;
+};
+
+SampleBox sampleBox(const _Point* samples, int count);
+
+// What one pass's bounds may use, from the box and the centres of this
+// pass and the last.
+struct GapMargins {
+  // False when a centre is not finite or distances could reach kFar: the
+  // pass evaluates in full and its gaps prove nothing.
+  bool usable;
+  // A gap held from the last pass falls by this much.
+  float drop;
+  // Taken off a gap measured this pass; a gap still above it after the
+  // drop keeps its sample's label.
+  float margin;
+};
+
+GapMargins gapMargins(const SampleBox& box, const _Point* last,
+                      const _Point* centres, int k);
+
+// The assignment of assignNearest_NEON for 1 <= k <= kMaxBoundedCentres
+// and usable margins, writing gaps where it writes nearest (gaps and
+// distances for the count mod 4 tail, which is always evaluated). With
+// `held` the gaps and labels of the last pass are read first and a block of
+// four samples whose gaps all stay above margins.margin keeps its labels.
+void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
+                        int k, const GapMargins& margins, bool held,
+                        float* gaps, int* labels);
+
+// Plain loop, block for block the same decisions; the oracle for the NEON
+// version.
+void assignBounded_C(const _Point* samples, int count, const _Point* centres,
+                     int k, const GapMargins& margins, bool held, float* gaps,
+                     int* labels);
+
+// One call's passes: the first evaluates in full, a later one is bounded
+// when its margins and the last pass's gaps allow.
+class BoundedAssignment {
+ public:
+  BoundedAssignment(const _Point* samples, SamplePlanes planes, int count,
+                    float* gaps, int* labels);
+  // Labels for the k centres of the next pass.
+  void assign(const _Point* centres, int k);
+
+ private:
+  SamplePlanes planes_;
+  int count_;
+  float* gaps_;
+  int* labels_;
+  SampleBox box_;
+  // The gaps and labels left by the last pass hold for its centres.
+  bool held_ = false;
+  _Point last_[kMaxBoundedCentres];
+};
+
 }  // namespace pavona::internal
 
 #endif  // PAVONA_SRC_NEON_KMEANS_ASSIGN_H_
