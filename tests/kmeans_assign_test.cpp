@@ -357,15 +357,15 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
   std::vector<_Point> centres = c.centres;
   std::vector<_Point> last;
   bool held = false;
+  double drift = 0;
   int carried = 0;
   for (int pass = 0; pass < pc.passes; ++pass) {
-    const GapMargins m =
-        gapMargins(box, held ? last.data() : centres.data(), centres.data(), k);
+    const GapMargins m = gapMargins(box, held ? last.data() : centres.data(),
+                                    centres.data(), k, held ? drift : 0);
     const bool bounded = m.usable && k <= 20;
     for (int j = 0; held && bounded && j + 4 <= count; j += 4) {
       bool keep = true;
-      for (int l = j; l < j + 4; ++l)
-        keep = keep && twin.distance[l] - m.drop > m.margin;
+      for (int l = j; l < j + 4; ++l) keep = keep && twin.distance[l] > m.keep;
       carried += keep;
     }
     if (bounded) {
@@ -377,6 +377,7 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
                       twin.distance.data(), twin.label.data());
     }
     held = bounded;
+    drift = m.drift;
     last = centres;
     engine.assign(centres.data(), k);
     Nearest full(count);

@@ -18,36 +18,37 @@
 // Tail (the count mod 4 samples left) uses the weighted distance, scalar.
 //
 // Bounds (assignBounded). Let e_i = |x - c_i| be the real distance of a
-// body sample x to centre i, D_i its float distance above, a the label and
-// u = 2^-24. The gap G of a sample is a float with
-//   G > 0  =>  G <= min_{i != a} e_i - e_a.                        (1)
-// Rounding. D_i rounds five times over non-negative terms, and a square
-// may underflow, so |D_i - e_i^2| <= 5.01u e_i^2 + 2^-147, hence
-//   |fl(sqrt D_i) - e_i| <= 3.6u e_i + 2^-72.                      (2)
-// R (gapMargins) bounds every e_i of the pass from the samples' box and
-// the centres, in double rounded up, and margin = 16u R + 2^-60.
-// Measure: a full evaluation keeps beside the nearest distance D_a the
-// second nearest D_2 = min_{i != a} D_i (the nearest so far when a
-// centre comes nearer, else the smaller of d and D_2 so far) and sets
-//   G = fl(fl(fl(sqrt D_2) - fl(sqrt D_a)) - margin).
-// By (2), sqrt being monotone, the difference is at most
-// min e_i - e_a + 8.3u R + 2^-71 before its own rounding (u R): (1) holds.
-// Carry: centres move by real shifts s_i (double, rounded up); then
-// min_{i != a} e_i - e_a falls by at most s_a + max_{i != a} s_i, at most
-// the two largest shifts. drop = top1 + top2 + u (R + top1) rounded up, and
-// G' = fl(G - drop): G' > 0 needs G > drop > 0, and G <= R_last <=
-// R + top1, so the rounding of G - drop (at most u R_last) is covered and
-// (1) holds again.
-// Keep: if G' > margin then every e_i >= e_a + 16u R, and by the bound on
-// D above D_i > D_a for every i != a: the full evaluation, strict
-// comparison and ties alike, gives label a. R < 2^36 keeps every D below
-// kFar (about 2^73.8), so the starting distance never decides.
-// Not bounded, so evaluated in full: the first pass, a pass after an
-// unbounded one, any pass with a centre or sample not finite or R too
-// large, k > kMaxBoundedCentres, and the tail (weighted, always in full).
-// A block of four is evaluated in full when any of its gaps fails, with
-// the same compare-and-select chain as the body above, so its labels are
-// those of assignNearest.
+// body sample x to centre i, D_i its float distance above, a its label,
+// G = min_{i != a} e_i - e_a its real gap, and u = 2^-24. R (gapMargins,
+// in double rounded up) bounds every e_i of a pass from the samples' box
+// and the centres.
+// Rounding: D_i rounds five times over non-negative terms and a square may
+// underflow, so |D_i - e_i^2| <= 5.01u e_i^2 + 2^-147 and
+//   |fl(sqrt D_i) - e_i| <= 3.6u e_i + 2^-72.                      (1)
+// Drift: when the centres move by real shifts s_i, every e_i moves by at
+// most s_i, so G falls by at most s_a + max_{i != a} s_i, at most the two
+// largest shifts. C_p sums those over the passes up to p (double, rounded
+// up), and a gap measured in pass p is in pass q at least
+//   G_q >= G_p - (C_q - C_p).                                      (2)
+// Measure (pass p, in full): beside the nearest distance D_a keep the
+// second nearest D_2 = min_{i != a} D_i (the nearest so far when a centre
+// comes nearer, else the smaller of d and D_2 so far) and store
+//   H = fl(fl(fl(sqrt D_2) - fl(sqrt D_a)) + base),
+//   base = C_p - 16u (R + C_p) - 2^-60 rounded down.
+// By (1), sqrt being monotone, the difference is at most
+// G_p + 8.3u R + 2^-71 after its rounding, and the sum rounds by at most
+// u (1.01 R + C_p), so H <= G_p + C_p.
+// Keep (pass q): keep = C_q + 16u R + 2^-60 rounded up. If H > keep, (2)
+// gives G_q > 16u R + 2^-60, every e_i >= e_a + 16u R + 2^-60, and by (1)
+// D_i > D_a for every i != a: the full evaluation, strict comparison and
+// ties alike, gives label a again. R < 2^36 keeps every D below kFar
+// (about 2^73.8), so the starting distance never decides. (With k = 1, D_2
+// is kFar and every label is 0 anyway.) A held H is read, never rewritten.
+// In full: the first pass, a pass after one not bounded, any pass with a
+// centre or a sample not finite or R too large, k > kMaxBoundedCentres,
+// the tail (weighted), and every block of four with any H not above keep,
+// through the compare-and-select chain of the body above, so its labels
+// are assignNearest's.
 //
 // Reads count floats of each plane and k centres; writes only
 // nearest/labels[0 ... count-1] (gaps in place of nearest).
@@ -179,26 +180,17 @@ void assignChunks(SamplePlanes samples, int body, const _Point* centres, int k,
   }
 }
 
-// Square roots lane by lane (SIMDe 0.7 has no vsqrtq_f32), correctly
-// rounded as the scalar twin's.
-float32x4_t sqrtLanes(float32x4_t v) {
-  float lanes[4];
-  vst1q_f32(lanes, v);
-  for (float& lane : lanes) lane = std::sqrt(lane);
-  return vld1q_f32(lanes);
-}
-
-// The gap a full evaluation leaves: (sqrt D_2 - sqrt D_a) - margin.
-float32x4_t blockGap(float32x4_t best, float32x4_t second, float margin) {
-  return vsubq_f32(vsubq_f32(sqrtLanes(second), sqrtLanes(best)),
-                   vdupq_n_f32(margin));
+// The gap a full evaluation stores: (sqrt D_2 - sqrt D_a) + base.
+float32x4_t blockGap(float32x4_t best, float32x4_t second, float base) {
+  return vaddq_f32(vsubq_f32(vsqrtq_f32(second), vsqrtq_f32(best)),
+                   vdupq_n_f32(base));
 }
 
 // Blocks of four from j evaluated in full from kFar and label 0, keeping
 // the second nearest distance for the gap.
 template <int kBlocks>
 void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
-                   int k, float margin, float* gaps, int* labels) {
+                   int k, float base, float* gaps, int* labels) {
   const float32x4_t far = vreinterpretq_f32_u8(vdupq_n_u8(kFarByte));
   float32x4x3_t s[kBlocks];
   float32x4_t best[kBlocks];
@@ -225,40 +217,35 @@ void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
     index = vaddq_s32(index, vdupq_n_s32(1));
   }
   for (int b = 0; b < kBlocks; ++b) {
-    vst1q_f32(gaps + j + 4 * b, blockGap(best[b], second[b], margin));
+    vst1q_f32(gaps + j + 4 * b, blockGap(best[b], second[b], base));
     vst1q_s32(labels + j + 4 * b, label[b]);
   }
 }
 
 // Samples [0, last) in full, a pair of blocks at a time.
 void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
-                 int k, float margin, float* gaps, int* labels) {
+                 int k, float base, float* gaps, int* labels) {
   int j = 0;
   for (; j + 8 <= last; j += 8)
-    measureBlocks<2>(samples, j, centres, k, margin, gaps, labels);
+    measureBlocks<2>(samples, j, centres, k, base, gaps, labels);
   for (; j < last; j += 4)
-    measureBlocks<1>(samples, j, centres, k, margin, gaps, labels);
+    measureBlocks<1>(samples, j, centres, k, base, gaps, labels);
 }
 
-// Gaps of the last pass after the drop; blocks that cannot keep their
-// labels are measured again.
+// Blocks whose held gaps are all above keep keep their labels; the others
+// are measured again.
 void carryBody(SamplePlanes samples, int last, const CentreVectors* centres,
                int k, const GapMargins& margins, float* gaps, int* labels) {
-  const float32x4_t drop = vdupq_n_f32(margins.drop);
-  const float32x4_t margin = vdupq_n_f32(margins.margin);
+  const float32x4_t keep = vdupq_n_f32(margins.keep);
   for (int j = 0; j < last; j += 4) {
-    const float32x4_t gap = vsubq_f32(vld1q_f32(gaps + j), drop);
-    if (vminvq_u32(vcgtq_f32(gap, margin)) != 0) {
-      vst1q_f32(gaps + j, gap);
-    } else {
-      measureBlocks<1>(samples, j, centres, k, margins.margin, gaps, labels);
-    }
+    if (vminvq_u32(vcgtq_f32(vld1q_f32(gaps + j), keep)) == 0)
+      measureBlocks<1>(samples, j, centres, k, margins.base, gaps, labels);
   }
 }
 
 // Scalar twin of measureBlocks<1>.
 void measureBlock_C(const _Point* samples, int j, const _Point* centres, int k,
-                    float margin, float* gaps, int* labels) {
+                    float base, float* gaps, int* labels) {
   float far;
   std::memset(&far, kFarByte, sizeof far);
   for (int l = j; l < j + 4; ++l) {
@@ -275,7 +262,7 @@ void measureBlock_C(const _Point* samples, int j, const _Point* centres, int k,
         second = d;
       }
     }
-    gaps[l] = (std::sqrt(second) - std::sqrt(best)) - margin;
+    gaps[l] = (std::sqrt(second) - std::sqrt(best)) + base;
     labels[l] = label;
   }
 }
@@ -298,10 +285,15 @@ bool finite(const _Point& p) {
   return std::isfinite(p.r) && std::isfinite(p.g) && std::isfinite(p.b);
 }
 
-// The smallest float not below x.
+// The smallest float not below x, and the largest not above.
 float roundUp(double x) {
   const float f = static_cast<float>(x);
   return static_cast<double>(f) < x ? std::nextafter(f, INFINITY) : f;
+}
+
+float roundDown(double x) {
+  const float f = static_cast<float>(x);
+  return static_cast<double>(f) > x ? std::nextafter(f, -INFINITY) : f;
 }
 
 }  // namespace
@@ -322,9 +314,9 @@ SampleBox sampleBox(const _Point* samples, int count) {
 }
 
 GapMargins gapMargins(const SampleBox& box, const _Point* last,
-                      const _Point* centres, int k) {
+                      const _Point* centres, int k, double drift) {
   constexpr double kU = 0x1p-24;
-  // Covers the double roundings of R and of the shifts.
+  // Covers the double roundings of R, the shifts and the drift.
   constexpr double kSlack = 1 + 0x1p-40;
   bool usable = finite(box.low) && finite(box.high);
   double reach[3] = {0, 0, 0};
@@ -351,8 +343,10 @@ GapMargins gapMargins(const SampleBox& box, const _Point* last,
                                     reach[2] * reach[2]) *
                           kSlack;
   usable = usable && reachAll < 0x1p36;
-  return {usable, roundUp((top1 + top2 + kU * (reachAll + top1)) * kSlack),
-          roundUp(16 * kU * reachAll + 0x1p-60)};
+  const double drifted = (drift + top1 + top2) * kSlack;
+  const double margin = 16 * kU * reachAll + 0x1p-60;
+  return {usable, drifted, roundUp((drifted + margin) * kSlack),
+          roundDown(drifted - margin - 16 * kU * drifted)};
 }
 
 SamplePlanes splitSamples_NEON(const _Point* samples, int count,
@@ -424,7 +418,7 @@ void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
   if (held) {
     carryBody(samples, body, vectors, k, margins, gaps, labels);
   } else {
-    measureBody(samples, body, vectors, k, margins.margin, gaps, labels);
+    measureBody(samples, body, vectors, k, margins.base, gaps, labels);
   }
   assignTailFromFar([&](int j) { return sampleAt(samples, j); }, body, count,
                     centres, k, gaps, labels);
@@ -436,13 +430,9 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
   const int body = count / 4 * 4;
   for (int j = 0; j < body; j += 4) {
     bool keep = held;
-    for (int l = j; l < j + 4; ++l)
-      keep = keep && gaps[l] - margins.drop > margins.margin;
-    if (keep) {
-      for (int l = j; l < j + 4; ++l) gaps[l] -= margins.drop;
-    } else {
-      measureBlock_C(samples, j, centres, k, margins.margin, gaps, labels);
-    }
+    for (int l = j; l < j + 4; ++l) keep = keep && gaps[l] > margins.keep;
+    if (!keep)
+      measureBlock_C(samples, j, centres, k, margins.base, gaps, labels);
   }
   assignTailFromFar([&](int j) { return samples[j]; }, body, count, centres, k,
                     gaps, labels);
@@ -458,9 +448,10 @@ BoundedAssignment::BoundedAssignment(const _Point* samples, SamplePlanes planes,
 
 void BoundedAssignment::assign(const _Point* centres, int k) {
   const bool boundable = k >= 1 && k <= kMaxBoundedCentres;
-  const GapMargins margins =
-      boundable ? gapMargins(box_, held_ ? last_ : centres, centres, k)
-                : GapMargins{false, 0, 0};
+  const GapMargins margins = boundable
+                                 ? gapMargins(box_, held_ ? last_ : centres,
+                                              centres, k, held_ ? drift_ : 0)
+                                 : GapMargins{false, 0, 0, 0};
   if (margins.usable) {
     assignBounded_NEON(planes_, count_, centres, k, margins, held_, gaps_,
                        labels_);
@@ -469,6 +460,7 @@ void BoundedAssignment::assign(const _Point* centres, int k) {
     assignNearest_NEON(planes_, count_, centres, k, gaps_, labels_);
   }
   held_ = margins.usable;
+  drift_ = margins.drift;
 }
 
 }  // namespace pavona::internal

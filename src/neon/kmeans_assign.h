@@ -76,27 +76,30 @@ struct SampleBox {
 
 SampleBox sampleBox(const _Point* samples, int count);
 
-// What one pass's bounds may use, from the box and the centres of this
-// pass and the last.
+// What one pass's bounds may use, from the box, the centres of this pass
+// and the last, and the drift so far.
 struct GapMargins {
   // False when a centre is not finite or distances could reach kFar: the
   // pass evaluates in full and its gaps prove nothing.
   bool usable;
-  // A gap held from the last pass falls by this much.
-  float drop;
-  // Taken off a gap measured this pass; a gap still above it after the
-  // drop keeps its sample's label.
-  float margin;
+  // The two largest centre shifts summed over the passes since the gaps
+  // were first measured, rounded up: no gap fell by more since then.
+  double drift;
+  // A held gap above this keeps its sample's label.
+  float keep;
+  // Added to a gap measured this pass.
+  float base;
 };
 
+// Margins for a pass from centres `last` to `centres` after `drift`.
 GapMargins gapMargins(const SampleBox& box, const _Point* last,
-                      const _Point* centres, int k);
+                      const _Point* centres, int k, double drift);
 
 // The assignment of assignNearest_NEON for 1 <= k <= kMaxBoundedCentres
 // and usable margins, writing gaps where it writes nearest (gaps and
 // distances for the count mod 4 tail, which is always evaluated). With
 // `held` the gaps and labels of the last pass are read first and a block of
-// four samples whose gaps all stay above margins.margin keeps its labels.
+// four samples whose gaps are all above margins.keep keeps its labels.
 void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, const GapMargins& margins, bool held,
                         float* gaps, int* labels);
@@ -124,6 +127,7 @@ class BoundedAssignment {
   SampleBox box_;
   // The gaps and labels left by the last pass hold for its centres.
   bool held_ = false;
+  double drift_ = 0;
   _Point last_[kMaxBoundedCentres];
 };
 
