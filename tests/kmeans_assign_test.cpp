@@ -341,7 +341,7 @@ RandomCase passGrid(std::mt19937& random, int grid) {
 
 // Pass by pass: the engine's bounded assignment against the full
 // evaluation's labels, and against the scalar twin, driven alike, bit for
-// bit in labels and gaps. Counts the blocks the twin carried.
+// bit in labels and gaps. Counts the samples the twin carried.
 int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
   RandomCase c = passGrid(random, grid);
   const int count = static_cast<int>(c.samples.size());
@@ -363,11 +363,8 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
     const GapMargins m = gapMargins(box, held ? last.data() : centres.data(),
                                     centres.data(), k, held ? drift : 0);
     const bool bounded = m.usable && k <= 20;
-    for (int j = 0; held && bounded && j + 4 <= count; j += 4) {
-      bool keep = true;
-      for (int l = j; l < j + 4; ++l) keep = keep && twin.distance[l] > m.keep;
-      carried += keep;
-    }
+    for (int j = 0; held && bounded && j < count / 4 * 4; ++j)
+      carried += twin.distance[j] > m.keep;
     if (bounded) {
       assignBounded_C(c.samples.data(), count, centres.data(), k, m, held,
                       twin.distance.data(), twin.label.data());

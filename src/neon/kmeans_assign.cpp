@@ -46,9 +46,10 @@
 // is kFar and every label is 0 anyway.) A held H is read, never rewritten.
 // In full: the first pass, a pass after one not bounded, any pass with a
 // centre or a sample not finite or R too large, k > kMaxBoundedCentres,
-// the tail (weighted), and every block of four with any H not above keep,
-// through the compare-and-select chain of the body above, so its labels
-// are assignNearest's.
+// the tail (weighted), and every sample with H not above keep, four at a
+// time (a whole block, or lanes gathered from several) through the
+// compare-and-select chain of the body above, so its labels are
+// assignNearest's.
 //
 // Reads count floats of each plane and k centres; writes only
 // nearest/labels[0 ... count-1] (gaps in place of nearest).
@@ -181,23 +182,20 @@ void assignChunks(SamplePlanes samples, int body, const _Point* centres, int k,
 }
 
 // The gap a full evaluation stores: (sqrt D_2 - sqrt D_a) + base.
-float32x4_t blockGap(float32x4_t best, float32x4_t second, float base) {
+float32x4_t gapOf(float32x4_t best, float32x4_t second, float base) {
   return vaddq_f32(vsubq_f32(vsqrtq_f32(second), vsqrtq_f32(best)),
                    vdupq_n_f32(base));
 }
 
-// Blocks of four from j evaluated in full from kFar and label 0, keeping
-// the second nearest distance for the gap.
+// Blocks of four samples evaluated in full from kFar and label 0, keeping
+// the second nearest distance; returns the gaps, leaves the labels.
 template <int kBlocks>
-void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
-                   int k, float base, float* gaps, int* labels) {
+void measure(const float32x4x3_t* s, const CentreVectors* centres, int k,
+             float base, float32x4_t* gap, int32x4_t* label) {
   const float32x4_t far = vreinterpretq_f32_u8(vdupq_n_u8(kFarByte));
-  float32x4x3_t s[kBlocks];
   float32x4_t best[kBlocks];
   float32x4_t second[kBlocks];
-  int32x4_t label[kBlocks];
   for (int b = 0; b < kBlocks; ++b) {
-    s[b] = loadSamples(samples, j + 4 * b);
     const float32x4_t d = distance(s[b], centres[0]);
     best[b] = vbslq_f32(vcltq_f32(d, far), d, far);
     second[b] = far;
@@ -216,13 +214,25 @@ void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
     }
     index = vaddq_s32(index, vdupq_n_s32(1));
   }
+  for (int b = 0; b < kBlocks; ++b) gap[b] = gapOf(best[b], second[b], base);
+}
+
+// Samples j ... j + 4 kBlocks - 1 measured.
+template <int kBlocks>
+void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
+                   int k, float base, float* gaps, int* labels) {
+  float32x4x3_t s[kBlocks];
+  float32x4_t gap[kBlocks];
+  int32x4_t label[kBlocks];
+  for (int b = 0; b < kBlocks; ++b) s[b] = loadSamples(samples, j + 4 * b);
+  measure<kBlocks>(s, centres, k, base, gap, label);
   for (int b = 0; b < kBlocks; ++b) {
-    vst1q_f32(gaps + j + 4 * b, blockGap(best[b], second[b], base));
+    vst1q_f32(gaps + j + 4 * b, gap[b]);
     vst1q_s32(labels + j + 4 * b, label[b]);
   }
 }
 
-// Samples [0, last) in full, a pair of blocks at a time.
+// Samples [0, last) measured, a pair of blocks at a time.
 void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
                  int k, float base, float* gaps, int* labels) {
   int j = 0;
@@ -232,39 +242,109 @@ void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
     measureBlocks<1>(samples, j, centres, k, base, gaps, labels);
 }
 
-// Blocks whose held gaps are all above keep keep their labels; the others
-// are measured again.
+// Samples whose gaps failed, gathered four at a time from scattered
+// blocks: near a cluster's border only some lanes of a block fail.
+class Remeasure {
+ public:
+  Remeasure(SamplePlanes samples, const CentreVectors* centres, int k,
+            float base, float* gaps, int* labels)
+      : samples_(samples),
+        centres_(centres),
+        k_(k),
+        base_(base),
+        gaps_(gaps),
+        labels_(labels) {}
+
+  // The block at j, whose lanes kept (all bits set) or not.
+  void block(int j, uint32x4_t kept) {
+    uint32_t lanes[4];
+    vst1q_u32(lanes, kept);
+    if ((lanes[0] | lanes[1] | lanes[2] | lanes[3]) == 0) {
+      measureBlocks<1>(samples_, j, centres_, k_, base_, gaps_, labels_);
+      return;
+    }
+    for (int l = 0; l < 4; ++l) {
+      if (lanes[l] != 0) continue;
+      index_[count_++] = j + l;
+      if (count_ == 4) flush();
+    }
+  }
+
+  // Measures what is gathered, repeating the last index to fill the lanes.
+  void flush() {
+    if (count_ == 0) return;
+    for (int l = count_; l < 4; ++l) index_[l] = index_[count_ - 1];
+    float channel[3][4];
+    for (int l = 0; l < 4; ++l) {
+      channel[0][l] = samples_.r[index_[l]];
+      channel[1][l] = samples_.g[index_[l]];
+      channel[2][l] = samples_.b[index_[l]];
+    }
+    const float32x4x3_t s = {
+        {vld1q_f32(channel[0]), vld1q_f32(channel[1]), vld1q_f32(channel[2])}};
+    float32x4_t gap;
+    int32x4_t label;
+    measure<1>(&s, centres_, k_, base_, &gap, &label);
+    float gapLanes[4];
+    int labelLanes[4];
+    vst1q_f32(gapLanes, gap);
+    vst1q_s32(labelLanes, label);
+    for (int l = 0; l < 4; ++l) {
+      gaps_[index_[l]] = gapLanes[l];
+      labels_[index_[l]] = labelLanes[l];
+    }
+    count_ = 0;
+  }
+
+ private:
+  SamplePlanes samples_;
+  const CentreVectors* centres_;
+  int k_;
+  float base_;
+  float* gaps_;
+  int* labels_;
+  int index_[4] = {};
+  int count_ = 0;
+};
+
+// Samples whose held gaps are above keep keep their labels; the others
+// are measured again. Pairs of blocks are tested with one reduction.
 void carryBody(SamplePlanes samples, int last, const CentreVectors* centres,
                int k, const GapMargins& margins, float* gaps, int* labels) {
   const float32x4_t keep = vdupq_n_f32(margins.keep);
-  for (int j = 0; j < last; j += 4) {
-    if (vminvq_u32(vcgtq_f32(vld1q_f32(gaps + j), keep)) == 0)
-      measureBlocks<1>(samples, j, centres, k, margins.base, gaps, labels);
+  Remeasure remeasure(samples, centres, k, margins.base, gaps, labels);
+  int j = 0;
+  for (; j + 8 <= last; j += 8) {
+    const uint32x4_t a = vcgtq_f32(vld1q_f32(gaps + j), keep);
+    const uint32x4_t b = vcgtq_f32(vld1q_f32(gaps + j + 4), keep);
+    if (vminvq_u32(vandq_u32(a, b)) != 0) continue;
+    remeasure.block(j, a);
+    remeasure.block(j + 4, b);
   }
+  if (j < last) remeasure.block(j, vcgtq_f32(vld1q_f32(gaps + j), keep));
+  remeasure.flush();
 }
 
-// Scalar twin of measureBlocks<1>.
-void measureBlock_C(const _Point* samples, int j, const _Point* centres, int k,
-                    float base, float* gaps, int* labels) {
+// Scalar twin of measure, for sample j.
+void measure_C(const _Point* samples, int j, const _Point* centres, int k,
+               float base, float* gaps, int* labels) {
   float far;
   std::memset(&far, kFarByte, sizeof far);
-  for (int l = j; l < j + 4; ++l) {
-    float best = far;
-    float second = far;
-    int label = 0;
-    for (int i = 0; i < k; ++i) {
-      const float d = plainDistance(samples[l], centres[i]);
-      if (d < best) {
-        second = best;
-        best = d;
-        label = i;
-      } else if (d < second) {
-        second = d;
-      }
+  float best = far;
+  float second = far;
+  int label = 0;
+  for (int i = 0; i < k; ++i) {
+    const float d = plainDistance(samples[j], centres[i]);
+    if (d < best) {
+      second = best;
+      best = d;
+      label = i;
+    } else if (d < second) {
+      second = d;
     }
-    gaps[l] = (std::sqrt(second) - std::sqrt(best)) + base;
-    labels[l] = label;
   }
+  gaps[j] = (std::sqrt(second) - std::sqrt(best)) + base;
+  labels[j] = label;
 }
 
 // The tail as assignNearest leaves it.
@@ -428,11 +508,9 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                      int k, const GapMargins& margins, bool held, float* gaps,
                      int* labels) {
   const int body = count / 4 * 4;
-  for (int j = 0; j < body; j += 4) {
-    bool keep = held;
-    for (int l = j; l < j + 4; ++l) keep = keep && gaps[l] > margins.keep;
-    if (!keep)
-      measureBlock_C(samples, j, centres, k, margins.base, gaps, labels);
+  for (int j = 0; j < body; ++j) {
+    if (!held || !(gaps[j] > margins.keep))
+      measure_C(samples, j, centres, k, margins.base, gaps, labels);
   }
   assignTailFromFar([&](int j) { return samples[j]; }, body, count, centres, k,
                     gaps, labels);

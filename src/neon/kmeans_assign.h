@@ -98,14 +98,14 @@ GapMargins gapMargins(const SampleBox& box, const _Point* last,
 // The assignment of assignNearest_NEON for 1 <= k <= kMaxBoundedCentres
 // and usable margins, writing gaps where it writes nearest (gaps and
 // distances for the count mod 4 tail, which is always evaluated). With
-// `held` the gaps and labels of the last pass are read first and a block of
-// four samples whose gaps are all above margins.keep keeps its labels.
+// `held` the gaps and labels of the last pass are read first and a sample
+// whose gap is above margins.keep keeps its label and its gap.
 void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, const GapMargins& margins, bool held,
                         float* gaps, int* labels);
 
-// Plain loop, block for block the same decisions; the oracle for the NEON
-// version.
+// Plain loop, sample for sample the same decisions; the oracle for the
+// NEON version.
 void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                      int k, const GapMargins& margins, bool held, float* gaps,
                      int* labels);
