@@ -24,7 +24,8 @@ using pavona::internal::BoundedAssignment;
 using pavona::internal::gapMargins;
 using pavona::internal::GapMargins;
 using pavona::internal::plainDistance;
-using pavona::internal::sampleBox;
+using pavona::internal::sampleBox_C;
+using pavona::internal::sampleBox_NEON;
 using pavona::internal::SamplePlanes;
 using pavona::internal::splitSamples_C;
 using pavona::internal::splitSamples_NEON;
@@ -349,11 +350,21 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
   std::vector<float> planes(3 * count);
   Nearest neon(count);
   Nearest twin(count);
-  BoundedAssignment engine(
-      c.samples.data(),
-      splitSamples_NEON(c.samples.data(), count, planes.data()), count,
-      neon.distance.data(), neon.label.data());
-  const auto box = sampleBox(c.samples.data(), count);
+  const SamplePlanes split =
+      splitSamples_NEON(c.samples.data(), count, planes.data());
+  BoundedAssignment engine(split, count, neon.distance.data(),
+                           neon.label.data());
+  const auto box = sampleBox_C(c.samples.data(), count);
+  const auto neonBox = sampleBox_NEON(split, count);
+  const float twinCorners[] = {box.low.r,  box.low.g,  box.low.b,
+                               box.high.r, box.high.g, box.high.b};
+  const float neonCorners[] = {neonBox.low.r,  neonBox.low.g,  neonBox.low.b,
+                               neonBox.high.r, neonBox.high.g, neonBox.high.b};
+  for (int e = 0; e < 6; ++e) {
+    EXPECT_TRUE(twinCorners[e] == neonCorners[e] ||
+                (std::isnan(twinCorners[e]) && std::isnan(neonCorners[e])))
+        << "grid " << grid << " corner " << e;
+  }
   std::vector<_Point> centres = c.centres;
   std::vector<_Point> last;
   bool held = false;

@@ -179,7 +179,7 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
   // The assignment keeps its per-sample gaps where the nearest distances
   // were, so bounding costs no memory.
   pavona::internal::BoundedAssignment assignment(
-      points, planes, count, floats.get() + 3 * static_cast<std::size_t>(count),
+      planes, count, floats.get() + 3 * static_cast<std::size_t>(count),
       labels.get());
   std::vector<_Point> centres(k > 0 ? k : 0);
   std::vector<ListSum> sums(k > 0 ? k : 0);

@@ -365,6 +365,18 @@ bool finite(const _Point& p) {
   return std::isfinite(p.r) && std::isfinite(p.g) && std::isfinite(p.b);
 }
 
+void widen(SampleBox& box, const _Point& p) {
+  box.low = {std::min(box.low.r, p.r), std::min(box.low.g, p.g),
+             std::min(box.low.b, p.b)};
+  box.high = {std::max(box.high.r, p.r), std::max(box.high.g, p.g),
+              std::max(box.high.b, p.b)};
+}
+
+SampleBox notFinite() {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  return {{nan, nan, nan}, {nan, nan, nan}};
+}
+
 // The smallest float not below x, and the largest not above.
 float roundUp(double x) {
   const float f = static_cast<float>(x);
@@ -378,17 +390,47 @@ float roundDown(double x) {
 
 }  // namespace
 
-SampleBox sampleBox(const _Point* samples, int count) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  SampleBox box{{INFINITY, INFINITY, INFINITY},
-                {-INFINITY, -INFINITY, -INFINITY}};
+SampleBox sampleBox_NEON(SamplePlanes samples, int count) {
+  const uint32x4_t exponent = vdupq_n_u32(0x7f800000u);
+  float32x4_t low[3];
+  float32x4_t high[3];
+  uint32x4_t special = vdupq_n_u32(0);
+  const float* plane[3] = {samples.r, samples.g, samples.b};
+  for (int c = 0; c < 3; ++c) low[c] = high[c] = vdupq_n_f32(plane[c][0]);
+  int j = 0;
+  for (; j + 4 <= count; j += 4) {
+    for (int c = 0; c < 3; ++c) {
+      const float32x4_t v = vld1q_f32(plane[c] + j);
+      low[c] = vbslq_f32(vcltq_f32(v, low[c]), v, low[c]);
+      high[c] = vbslq_f32(vcgtq_f32(v, high[c]), v, high[c]);
+      const uint32x4_t bits = vandq_u32(vreinterpretq_u32_f32(v), exponent);
+      special = vorrq_u32(special, vceqq_u32(bits, exponent));
+    }
+  }
+  _Point corner[2];
+  float* out[2] = {&corner[0].r, &corner[1].r};
+  for (int c = 0; c < 3; ++c) {
+    float lanes[2][4];
+    vst1q_f32(lanes[0], low[c]);
+    vst1q_f32(lanes[1], high[c]);
+    out[0][c] = std::min({lanes[0][0], lanes[0][1], lanes[0][2], lanes[0][3]});
+    out[1][c] = std::max({lanes[1][0], lanes[1][1], lanes[1][2], lanes[1][3]});
+  }
+  SampleBox box{corner[0], corner[1]};
+  bool finiteAll = vmaxvq_u32(special) == 0;
+  for (; j < count; ++j) {
+    const _Point p = sampleAt(samples, j);
+    finiteAll = finiteAll && finite(p);
+    widen(box, p);
+  }
+  return finiteAll ? box : notFinite();
+}
+
+SampleBox sampleBox_C(const _Point* samples, int count) {
+  SampleBox box{samples[0], samples[0]};
   for (int j = 0; j < count; ++j) {
-    const _Point& p = samples[j];
-    if (!finite(p)) return {{nan, nan, nan}, {nan, nan, nan}};
-    box.low = {std::min(box.low.r, p.r), std::min(box.low.g, p.g),
-               std::min(box.low.b, p.b)};
-    box.high = {std::max(box.high.r, p.r), std::max(box.high.g, p.g),
-                std::max(box.high.b, p.b)};
+    if (!finite(samples[j])) return notFinite();
+    widen(box, samples[j]);
   }
   return box;
 }
@@ -516,13 +558,13 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                     gaps, labels);
 }
 
-BoundedAssignment::BoundedAssignment(const _Point* samples, SamplePlanes planes,
-                                     int count, float* gaps, int* labels)
+BoundedAssignment::BoundedAssignment(SamplePlanes planes, int count,
+                                     float* gaps, int* labels)
     : planes_(planes),
       count_(count),
       gaps_(gaps),
       labels_(labels),
-      box_(sampleBox(samples, count)) {}
+      box_(count > 0 ? sampleBox_NEON(planes, count) : notFinite()) {}
 
 void BoundedAssignment::assign(const _Point* centres, int k) {
   const bool boundable = k >= 1 && k <= kMaxBoundedCentres;

@@ -74,7 +74,12 @@ struct SampleBox {
   _Point high;
 };
 
-SampleBox sampleBox(const _Point* samples, int count);
+// For count >= 1, from the planes.
+SampleBox sampleBox_NEON(SamplePlanes samples, int count);
+
+// Plain loop; the oracle for the NEON version (equal, but for the sign of
+// a zero).
+SampleBox sampleBox_C(const _Point* samples, int count);
 
 // What one pass's bounds may use, from the box, the centres of this pass
 // and the last, and the drift so far.
@@ -114,8 +119,7 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
 // when its margins and the last pass's gaps allow.
 class BoundedAssignment {
  public:
-  BoundedAssignment(const _Point* samples, SamplePlanes planes, int count,
-                    float* gaps, int* labels);
+  BoundedAssignment(SamplePlanes planes, int count, float* gaps, int* labels);
   // Labels for the k centres of the next pass.
   void assign(const _Point* centres, int k);
 
