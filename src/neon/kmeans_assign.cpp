@@ -255,25 +255,42 @@ class Remeasure {
         gaps_(gaps),
         labels_(labels) {}
 
-  // The block at j, whose lanes kept (all bits set) or not.
+  // The block at j, whose lanes kept (all bits set) or not. Appending is
+  // branch-free: which lanes fail is hard to predict.
   void block(int j, uint32x4_t kept) {
     uint32_t lanes[4];
     vst1q_u32(lanes, kept);
-    if ((lanes[0] | lanes[1] | lanes[2] | lanes[3]) == 0) {
-      measureBlocks<1>(samples_, j, centres_, k_, base_, gaps_, labels_);
-      return;
-    }
     for (int l = 0; l < 4; ++l) {
-      if (lanes[l] != 0) continue;
-      index_[count_++] = j + l;
-      if (count_ == 4) flush();
+      index_[count_] = j + l;
+      count_ += lanes[l] == 0;
+    }
+    if (count_ >= 4) {
+      measureFour();
+      count_ -= 4;
+      for (int l = 0; l < count_; ++l) index_[l] = index_[l + 4];
     }
   }
 
-  // Measures what is gathered, repeating the last index to fill the lanes.
+  // Measures what is left, repeating the last index to fill the lanes.
   void flush() {
     if (count_ == 0) return;
     for (int l = count_; l < 4; ++l) index_[l] = index_[count_ - 1];
+    measureFour();
+    count_ = 0;
+  }
+
+ private:
+  SamplePlanes samples_;
+  const CentreVectors* centres_;
+  int k_;
+  float base_;
+  float* gaps_;
+  int* labels_;
+  // Up to three left over and the four lanes of the next block.
+  int index_[8] = {};
+  int count_ = 0;
+
+  void measureFour() {
     float channel[3][4];
     for (int l = 0; l < 4; ++l) {
       channel[0][l] = samples_.r[index_[l]];
@@ -293,18 +310,7 @@ class Remeasure {
       gaps_[index_[l]] = gapLanes[l];
       labels_[index_[l]] = labelLanes[l];
     }
-    count_ = 0;
   }
-
- private:
-  SamplePlanes samples_;
-  const CentreVectors* centres_;
-  int k_;
-  float base_;
-  float* gaps_;
-  int* labels_;
-  int index_[4] = {};
-  int count_ = 0;
 };
 
 // Samples whose held gaps are above keep keep their labels; the others
