@@ -264,18 +264,23 @@ class Remeasure {
       index_[count_] = j + l;
       count_ += lanes[l] == 0;
     }
-    if (count_ >= 4) {
-      measureFour();
-      count_ -= 4;
-      for (int l = 0; l < count_; ++l) index_[l] = index_[l + 4];
+    if (count_ >= 8) {
+      measureLanes<2>();
+      count_ -= 8;
+      for (int l = 0; l < count_; ++l) index_[l] = index_[l + 8];
     }
   }
 
   // Measures what is left, repeating the last index to fill the lanes.
   void flush() {
     if (count_ == 0) return;
-    for (int l = count_; l < 4; ++l) index_[l] = index_[count_ - 1];
-    measureFour();
+    const int lanes = count_ > 4 ? 8 : 4;
+    for (int l = count_; l < lanes; ++l) index_[l] = index_[count_ - 1];
+    if (lanes == 8) {
+      measureLanes<2>();
+    } else {
+      measureLanes<1>();
+    }
     count_ = 0;
   }
 
@@ -286,27 +291,34 @@ class Remeasure {
   float base_;
   float* gaps_;
   int* labels_;
-  // Up to three left over and the four lanes of the next block.
-  int index_[8] = {};
+  // Up to seven left over and the four lanes of the next block: two
+  // blocks of lanes go through the centres together, as in the body.
+  int index_[12] = {};
   int count_ = 0;
 
-  void measureFour() {
-    float channel[3][4];
-    for (int l = 0; l < 4; ++l) {
-      channel[0][l] = samples_.r[index_[l]];
-      channel[1][l] = samples_.g[index_[l]];
-      channel[2][l] = samples_.b[index_[l]];
+  template <int kBlocks>
+  void measureLanes() {
+    float channel[kBlocks][3][4];
+    float32x4x3_t s[kBlocks];
+    for (int b = 0; b < kBlocks; ++b) {
+      for (int l = 0; l < 4; ++l) {
+        channel[b][0][l] = samples_.r[index_[4 * b + l]];
+        channel[b][1][l] = samples_.g[index_[4 * b + l]];
+        channel[b][2][l] = samples_.b[index_[4 * b + l]];
+      }
+      s[b] = {{vld1q_f32(channel[b][0]), vld1q_f32(channel[b][1]),
+               vld1q_f32(channel[b][2])}};
     }
-    const float32x4x3_t s = {
-        {vld1q_f32(channel[0]), vld1q_f32(channel[1]), vld1q_f32(channel[2])}};
-    float32x4_t gap;
-    int32x4_t label;
-    measure<1>(&s, centres_, k_, base_, &gap, &label);
-    float gapLanes[4];
-    int labelLanes[4];
-    vst1q_f32(gapLanes, gap);
-    vst1q_s32(labelLanes, label);
-    for (int l = 0; l < 4; ++l) {
+    float32x4_t gap[kBlocks];
+    int32x4_t label[kBlocks];
+    measure<kBlocks>(s, centres_, k_, base_, gap, label);
+    float gapLanes[4 * kBlocks];
+    int labelLanes[4 * kBlocks];
+    for (int b = 0; b < kBlocks; ++b) {
+      vst1q_f32(gapLanes + 4 * b, gap[b]);
+      vst1q_s32(labelLanes + 4 * b, label[b]);
+    }
+    for (int l = 0; l < 4 * kBlocks; ++l) {
       gaps_[index_[l]] = gapLanes[l];
       labels_[index_[l]] = labelLanes[l];
     }
