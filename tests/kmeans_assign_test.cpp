@@ -371,9 +371,11 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
   double drift = 0;
   int carried = 0;
   for (int pass = 0; pass < pc.passes; ++pass) {
-    const GapMargins m = gapMargins(box, held ? last.data() : centres.data(),
-                                    centres.data(), k, held ? drift : 0);
-    const bool bounded = m.usable && k <= 20;
+    const GapMargins m =
+        gapMargins(box, pass > 0 ? last.data() : centres.data(), centres.data(),
+                   k, held ? drift : 0);
+    const bool bounded =
+        m.usable && k <= 20 && (held || (pass > 0 && m.settled));
     for (int j = 0; held && bounded && j < count / 4 * 4; ++j)
       carried += twin.distance[j] > m.keep;
     if (bounded) {

@@ -66,6 +66,10 @@ namespace pavona::internal {
 
 namespace {
 
+// Gaps are first measured once the two largest centre shifts of a pass sum
+// to less than this share of the reach: earlier most of them would fail.
+constexpr double kSettled = 1.0 / 16;
+
 // Centres broadcast at a time: enough for every k the palette engine asks.
 constexpr int kChunk = 20;
 
@@ -485,7 +489,8 @@ GapMargins gapMargins(const SampleBox& box, const _Point* last,
   usable = usable && reachAll < 0x1p36;
   const double drifted = (drift + top1 + top2) * kSlack;
   const double margin = 16 * kU * reachAll + 0x1p-60;
-  return {usable, drifted, roundUp((drifted + margin) * kSlack),
+  return {usable, top1 + top2 < reachAll * kSettled, drifted,
+          roundUp((drifted + margin) * kSlack),
           roundDown(drifted - margin - 16 * kU * drifted)};
 }
 
@@ -587,17 +592,21 @@ BoundedAssignment::BoundedAssignment(SamplePlanes planes, int count,
 void BoundedAssignment::assign(const _Point* centres, int k) {
   const bool boundable = k >= 1 && k <= kMaxBoundedCentres;
   const GapMargins margins = boundable
-                                 ? gapMargins(box_, held_ ? last_ : centres,
+                                 ? gapMargins(box_, started_ ? last_ : centres,
                                               centres, k, held_ ? drift_ : 0)
-                                 : GapMargins{false, 0, 0, 0};
-  if (margins.usable) {
+                                 : GapMargins{};
+  // Measuring costs more than a plain pass: it waits for settled centres.
+  const bool bounded =
+      margins.usable && (held_ || (started_ && margins.settled));
+  if (bounded) {
     assignBounded_NEON(planes_, count_, centres, k, margins, held_, gaps_,
                        labels_);
-    std::copy(centres, centres + k, last_);
   } else {
     assignNearest_NEON(planes_, count_, centres, k, gaps_, labels_);
   }
-  held_ = margins.usable;
+  if (boundable) std::copy(centres, centres + k, last_);
+  started_ = boundable;
+  held_ = bounded;
   drift_ = margins.drift;
 }
 

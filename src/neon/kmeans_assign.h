@@ -86,14 +86,16 @@ SampleBox sampleBox_C(const _Point* samples, int count);
 struct GapMargins {
   // False when a centre is not finite or distances could reach kFar: the
   // pass evaluates in full and its gaps prove nothing.
-  bool usable;
+  bool usable = false;
+  // The centres moved little this pass: gaps measured now should hold.
+  bool settled = false;
   // The two largest centre shifts summed over the passes since the gaps
   // were first measured, rounded up: no gap fell by more since then.
-  double drift;
+  double drift = 0;
   // A held gap above this keeps its sample's label.
-  float keep;
+  float keep = 0;
   // Added to a gap measured this pass.
-  float base;
+  float base = 0;
 };
 
 // Margins for a pass from centres `last` to `centres` after `drift`.
@@ -115,8 +117,8 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                      int k, const GapMargins& margins, bool held, float* gaps,
                      int* labels);
 
-// One call's passes: the first evaluates in full, a later one is bounded
-// when its margins and the last pass's gaps allow.
+// One call's passes: the first evaluates in full; gaps are measured once
+// the centres settle and held while the margins allow.
 class BoundedAssignment {
  public:
   BoundedAssignment(SamplePlanes planes, int count, float* gaps, int* labels);
@@ -129,6 +131,8 @@ class BoundedAssignment {
   float* gaps_;
   int* labels_;
   SampleBox box_;
+  // last_ holds the centres of the last pass.
+  bool started_ = false;
   // The gaps and labels left by the last pass hold for its centres.
   bool held_ = false;
   double drift_ = 0;
