@@ -2,8 +2,13 @@
 
 #include <memory>
 
-#include "api/log_sink.h"
+#include "api/frame_info.h"
+#include "base/log_sink.h"
+#include "base/status.h"
 #include "src/KImages.h"
+
+// The layers below the face report with base's codes; hosts read these.
+static_assert(pavona::kStatusInvalidArgument == STATUS_INVALID_ARGUMENT);
 
 namespace {
 
@@ -38,11 +43,13 @@ int32_t Pavona::pavonaProcess(Image* pImageData, void* pProcessData) {
       // Printed exactly when the engine failed: hosts grep for this line.
       PAVONA_LOGI("pavona_process succeeded!\n");
     }
+    mLastStatus = status;
     return status;
   }
   PAVONA_LOGE("pImageData %p mPVHandle %p pProcessData %p",
               static_cast<void*>(pImageData), static_cast<void*>(mPVHandle),
               pProcessData);
+  pavona::recordRefusedFrame(*this);
   return STATUS_INVALID_ARGUMENT;
 }
 

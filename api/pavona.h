@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "api/pavona_host.h"
 
 class KImages;
@@ -26,6 +26,9 @@ class PAVONA_EXPORT Pavona {
   int32_t isSupportFormat(int32_t format);
 
   KImages* mPVHandle = nullptr;
+  // Status of the last frame handed to this handle, for the
+  // frame-information call; -1 before any.
+  int32_t mLastStatus = -1;
 };
 
 #endif  // PAVONA_API_PAVONA_H_

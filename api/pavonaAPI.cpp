@@ -5,7 +5,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "api/log_sink.h"
+#include "api/frame_info.h"
+#include "base/log_sink.h"
 #include "api/pavona.h"
 
 int32_t gLogStatus = 1;
@@ -57,6 +58,9 @@ int32_t singleProcessImage(void* handle, Image* image, void* pParam, void*) {
   if (handle != nullptr && image != nullptr && pParam != nullptr) {
     static_cast<Pavona*>(handle)->pavonaProcess(image, pParam);
     return 0;
+  }
+  if (handle != nullptr) {
+    pavona::recordRefusedFrame(*static_cast<Pavona*>(handle));
   }
   // Hosts match this line as it has always been printed, "%P" included.
 #pragma GCC diagnostic push

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "api/pavona_host.h"
 
 // Console log switch: 0 silences the entry points' own lines. Read only by

@@ -13,4 +13,9 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+# -L alone gives the toolchain's loader but lets it pick up the arm64 multiarch
+# libc from /lib/aarch64-linux-gnu, a different glibc build; a guest mixing the
+# two spins on fork and thread creation. The library path keeps them one glibc.
+# liblog is still found through its RUNPATH in the android folder.
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu
+    -E LD_LIBRARY_PATH=/usr/aarch64-linux-gnu/lib)

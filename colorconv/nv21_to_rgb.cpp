@@ -27,7 +27,7 @@
 // does with NaNs and out-of-range values.
 #define SIMDE_FAST_CONVERSION_RANGE
 #define SIMDE_FAST_NANS
-#include "zel/neon/neon_compat.h"
+#include "base/neon_compat.h"
 
 namespace pavona::internal {
 namespace {

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "zel/cpp/core/wrap32.h"
 
 namespace pavona {

@@ -3,7 +3,7 @@
 #ifndef PAVONA_SRC_CIEDE2000_H_
 #define PAVONA_SRC_CIEDE2000_H_
 
-#include "api/export.h"
+#include "base/export.h"
 
 namespace CIEDE2000 {
 

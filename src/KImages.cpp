@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "src/size32.h"
 
 namespace {
@@ -36,9 +36,7 @@ KImages::KImages()
       m_downHeight(0),
       m_downStride(0),
       m_downRows(0),
-      m_observer(nullptr),
-      m_rowCluster{},
-      m_rowCount(0) {}
+      m_observer(nullptr) {}
 
 KImages::~KImages() = default;
 

@@ -6,8 +6,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "api/pavona_host.h"
+#include "src/frame_outcome.h"
 #include "src/neon/KMeansAlgo_neon.h"
 
 // Lets our own tools see what a frame produced beyond the host's record.
@@ -68,9 +69,8 @@ class PAVONA_EXPORT KImages {
   std::unique_ptr<KMeansAlgo> m_KMeansEngine;
 
   KImagesObserver* m_observer;
-  // Which cluster each written palette row came from, for the observer.
-  int32_t m_rowCluster[PAVONA_MAX_COLORS];
-  int32_t m_rowCount;
+  // The last frame's outcome, for the frame-information call.
+  pavona::FrameOutcome m_lastFrame;
 };
 
 #endif  // PAVONA_SRC_KIMAGES_H_

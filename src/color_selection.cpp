@@ -90,10 +90,10 @@ void KImages::colorChosen(float (*palette)[4], IMAGE_FORMAT_TYPE format) {
     row[1] = centre.g;
     row[2] = centre.b;
     row[3] = ((minOf(row) + maxOf(row)) * 10.0f) / 51.0f;
-    m_rowCluster[n] = entry.second;
+    m_lastFrame.cluster[n] = entry.second;
     ++n;
   }
-  m_rowCount = n;
+  m_lastFrame.rows = n;
 
   for (int row = 0; row < k; ++row) {
     boostSaturation(palette[row], scale);

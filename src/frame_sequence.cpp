@@ -1,5 +1,5 @@
 // One frame through the engine: points, clusters, optional preview, palette.
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "src/KImages.h"
 
 namespace {
@@ -9,6 +9,7 @@ constexpr float kKMeansThreshold = 0.001f;
 }  // namespace
 
 int KImages::processKImages(Image* image, ProcessParamData* param) {
+  m_lastFrame = {};
   if (image == nullptr || param == nullptr) {
     return STATUS_NULL_INPUT;
   }
@@ -24,6 +25,7 @@ int KImages::processKImages(Image* image, ProcessParamData* param) {
   status = m_KMeansEngine->init(m_colorNum, kKMeansThreshold);
   m_KMeansEngine->processKMeansAlgo(m_points.get(), m_clusters.get(),
                                     m_downWidth, m_downHeight);
+  m_lastFrame.passes = m_KMeansEngine->m_passCount;
   if (status != 0) {
     PAVONA_ALOGE("Pavona_SDK getPalette process failed! \n");
     return status;
@@ -34,15 +36,15 @@ int KImages::processKImages(Image* image, ProcessParamData* param) {
   }
   colorChosen(param->palette, image->format);
 
+  for (int row = 0; row < m_lastFrame.rows; ++row) {
+    // Every list also holds the centre its last pass started from.
+    const Cluster& cluster =
+        m_KMeansEngine->m_clusters[m_lastFrame.cluster[row]];
+    m_lastFrame.members[row] = static_cast<int32_t>(cluster.points.size()) - 1;
+  }
   if (m_observer != nullptr) {
-    int memberCounts[PAVONA_MAX_COLORS];
-    for (int row = 0; row < m_rowCount; ++row) {
-      // Every list also holds the centre its last pass started from.
-      const Cluster& cluster = m_KMeansEngine->m_clusters[m_rowCluster[row]];
-      memberCounts[row] = static_cast<int>(cluster.points.size()) - 1;
-    }
-    m_observer->onPaletteRows(memberCounts, m_rowCount,
-                              m_KMeansEngine->m_passCount);
+    m_observer->onPaletteRows(m_lastFrame.members, m_lastFrame.rows,
+                              m_lastFrame.passes);
   }
   return 0;
 }

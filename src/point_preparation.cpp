@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "api/android_log.h"
+#include "base/android_log.h"
 #include "colorconv/nv21_to_rgb.h"
 #include "src/KImages.h"
 #include "zel/neon/imgproc/resize.h"

@@ -1,4 +1,4 @@
-#include "api/android_log.h"
+#include "base/android_log.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

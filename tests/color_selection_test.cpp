@@ -77,8 +77,8 @@ TEST_F(ColorChosen, SingleCentreWorkedExamples) {
                  << c.centre.r << ", " << c.centre.g << ", " << c.centre.b);
     run({c.centre}, c.format);
     expectRow(0, c.want);
-    EXPECT_EQ(engine_.m_rowCount, 1);
-    EXPECT_EQ(engine_.m_rowCluster[0], 0);
+    EXPECT_EQ(engine_.m_lastFrame.rows, 1);
+    EXPECT_EQ(engine_.m_lastFrame.cluster[0], 0);
     expectUnwrittenFrom(1);
   }
 }
@@ -104,10 +104,10 @@ TEST_F(ColorChosen, RowsFollowDescendingDistinctness) {
   expectRow(0, {255, 255, 255, 100});
   expectRow(1, {0, 0, 0, 0});
   expectRow(2, {10, 10, 10, 200.0f / 51.0f});
-  ASSERT_EQ(engine_.m_rowCount, 3);
-  EXPECT_EQ(engine_.m_rowCluster[0], 2);
-  EXPECT_EQ(engine_.m_rowCluster[1], 0);
-  EXPECT_EQ(engine_.m_rowCluster[2], 1);
+  ASSERT_EQ(engine_.m_lastFrame.rows, 3);
+  EXPECT_EQ(engine_.m_lastFrame.cluster[0], 2);
+  EXPECT_EQ(engine_.m_lastFrame.cluster[1], 0);
+  EXPECT_EQ(engine_.m_lastFrame.cluster[2], 1);
   expectUnwrittenFrom(3);
 }
 
@@ -121,9 +121,9 @@ TEST_F(ColorChosen, EqualDistinctnessKeepsLowestClusterAndBoostsStaleRow) {
   expectRow(0, {200, 200, 200, 4000.0f / 51.0f});
   expectRow(1, {50, 50, 50, 1000.0f / 51.0f});
   expectRow(2, {212.5f, 87.5f, 87.5f, 7});
-  ASSERT_EQ(engine_.m_rowCount, 2);
-  EXPECT_EQ(engine_.m_rowCluster[0], 2);
-  EXPECT_EQ(engine_.m_rowCluster[1], 0);
+  ASSERT_EQ(engine_.m_lastFrame.rows, 2);
+  EXPECT_EQ(engine_.m_lastFrame.cluster[0], 2);
+  EXPECT_EQ(engine_.m_lastFrame.cluster[1], 0);
   expectUnwrittenFrom(3);
 }
 

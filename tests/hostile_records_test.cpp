@@ -18,7 +18,6 @@
 #include "api/pavona_host.h"
 #include "tests/failing_allocator.h"
 #include "tests/support/capture.h"
-#include "tests/support/emulator.h"
 #include "tests/support/frames.h"
 #include "tests/support/host_records.h"
 

@@ -62,7 +62,7 @@ TEST(KImagesState, StartsWithDefaultsAndNoBuffers) {
   EXPECT_EQ(engine.m_maxColorNum, 20);
   EXPECT_EQ(engine.m_bytesPerSample, 1);
   EXPECT_EQ(engine.m_downWidth | engine.m_downHeight | engine.m_downStride |
-                engine.m_downRows | engine.m_rowCount,
+                engine.m_downRows | engine.m_lastFrame.rows,
             0);
   EXPECT_EQ(engine.m_downImage, nullptr);
   EXPECT_EQ(engine.m_points, nullptr);

@@ -7,8 +7,8 @@
 #include <limits>
 #include <memory>
 
-#include "api/android_log.h"
-#include "api/log_sink.h"
+#include "base/android_log.h"
+#include "base/log_sink.h"
 #include "src/neon/cluster_sort.h"
 #include "src/neon/kmeans_assign.h"
 

@@ -6,21 +6,8 @@
 
 #include <vector>
 
-#include "api/export.h"
-
-// One colour sample or centre, in the frame's sample scale.
-struct _Point {
-  float r;
-  float g;
-  float b;
-};
-
-struct Cluster {
-  _Point center;
-  // Members of the current pass; element 0 is the centre the pass began
-  // from, so a list is never empty and the mean is damped.
-  std::vector<_Point> points;
-};
+#include "base/export.h"
+#include "base/sample_types.h"
 
 class PAVONA_EXPORT KMeansAlgo {
  public:

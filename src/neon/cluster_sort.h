@@ -11,7 +11,7 @@
 #include <iterator>
 #include <utility>
 
-#include "src/neon/KMeansAlgo_neon.h"
+#include "base/sample_types.h"
 
 namespace pavona::internal {
 

@@ -60,7 +60,7 @@
 #include <cstring>
 #include <limits>
 
-#include "zel/neon/neon_compat.h"
+#include "base/neon_compat.h"
 
 namespace pavona::internal {
 

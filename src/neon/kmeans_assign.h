@@ -2,7 +2,7 @@
 #ifndef PAVONA_SRC_NEON_KMEANS_ASSIGN_H_
 #define PAVONA_SRC_NEON_KMEANS_ASSIGN_H_
 
-#include "src/neon/KMeansAlgo_neon.h"
+#include "base/sample_types.h"
 
 namespace pavona::internal {
 

@@ -10,7 +10,7 @@
 
 #include <cstddef>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "zel/cpp/core/normaliseStride.h"
 #include "zel/cpp/memory/copyRect.h"
 #include "zel/types.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "api/pavona_host.h"
+#include "base/status.h"
 #include "zel/cpp/core/normaliseStride.h"
 #include "zel/cpp/core/wrap32.h"
 
@@ -15,7 +15,7 @@ int copyRect_v00(const T* src, T* dst, int width, int height, int srcStride,
                  int dstStride, int srcCol, int srcRow, int dstCol,
                  int dstRow) {
   if (src == nullptr || dst == nullptr) {
-    return STATUS_INVALID_ARGUMENT;
+    return pavona::kStatusInvalidArgument;
   }
   if (height < 1) {
     return 0;

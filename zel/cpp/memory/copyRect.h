@@ -3,7 +3,7 @@
 #ifndef ZEL_CPP_MEMORY_COPYRECT_H_
 #define ZEL_CPP_MEMORY_COPYRECT_H_
 
-#include "api/export.h"
+#include "base/export.h"
 
 namespace zel::cpp::memory {
 

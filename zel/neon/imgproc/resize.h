@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "api/export.h"
-#include "api/pavona_host.h"
+#include "base/export.h"
+#include "base/status.h"
 #include "zel/neon/imgproc/resize_plane.h"
 #include "zel/types.h"
 
@@ -43,7 +43,7 @@ inline PlaneWalk planeWalk(int32_t stride, int32_t rows, int32_t packedStride) {
 // chroma plane has half of each). Strides are bytes from one row to the
 // next: 0 for packed rows, negative for rows at decreasing addresses; both
 // planes are walked from their lowest address, so a negative stride on only
-// one side flips the image. Returns 0, or STATUS_INVALID_ARGUMENT (769) and
+// one side flips the image. Returns 0, or kStatusInvalidArgument (769) and
 // writes nothing if a plane is null or a size is odd or below 1.
 template <typename TIn, typename TOut, YUV420SemiPlanarFormat format,
           InterpMode mode, typename WorkType, int shift>
@@ -65,13 +65,13 @@ PAVONA_EXPORT int32_t resize_v00(const TIn* srcY, const TIn* srcUV, TOut* dstY,
 
   if (srcY == nullptr || srcUV == nullptr || dstY == nullptr ||
       dstUV == nullptr) {
-    return STATUS_INVALID_ARGUMENT;
+    return pavona::kStatusInvalidArgument;
   }
   if (((dstWidth | srcWidth | dstHeight | srcHeight) & 1) != 0) {
-    return STATUS_INVALID_ARGUMENT;
+    return pavona::kStatusInvalidArgument;
   }
   if (srcWidth < 1 || srcHeight < 1 || dstWidth < 1 || dstHeight < 1) {
-    return STATUS_INVALID_ARGUMENT;
+    return pavona::kStatusInvalidArgument;
   }
 
   // A chroma row of w / 2 pairs holds as many samples as a luma row.

@@ -20,7 +20,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "zel/neon/neon_compat.h"
+#include "base/neon_compat.h"
 
 namespace zel::neon::imgproc::internal_resize_v00 {
 

@@ -24,9 +24,9 @@
 #include <cstring>
 #include <memory>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "zel/neon/imgproc/resize_nearest_general.h"
-#include "zel/neon/neon_compat.h"
+#include "base/neon_compat.h"
 
 namespace zel::neon::imgproc::internal_resize_v00 {
 

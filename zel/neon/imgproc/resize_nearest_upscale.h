@@ -12,7 +12,7 @@
 
 #include <cstdint>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "zel/neon/imgproc/pixel_unit.h"
 #include "zel/neon/imgproc/resize_nearest_exact.h"
 

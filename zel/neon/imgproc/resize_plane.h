@@ -17,7 +17,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "api/export.h"
+#include "base/export.h"
 #include "zel/neon/imgproc/pixel_unit.h"
 #include "zel/neon/imgproc/resize_nearest_exact.h"
 #include "zel/neon/imgproc/resize_nearest_flex.h"

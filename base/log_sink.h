@@ -2,8 +2,8 @@
 // k-means). Each unit defines its own `logPrint(level, format, ...)`; the
 // PAVONA_LOGE / PAVONA_LOGI macros call whichever `logPrint` is in scope and
 // supply the source file's base name, the line and the function name.
-#ifndef PAVONA_API_LOG_SINK_H_
-#define PAVONA_API_LOG_SINK_H_
+#ifndef PAVONA_BASE_LOG_SINK_H_
+#define PAVONA_BASE_LOG_SINK_H_
 
 #include <cstdarg>
 
@@ -38,4 +38,4 @@ void logPrintIgnoringSwitch(int level, const char* format, ...);
 #define PAVONA_LOGI(format, ...) \
   PAVONA_LOG_AT(::pavona::LOG_LEVEL_INFO, "INFO", format, ##__VA_ARGS__)
 
-#endif  // PAVONA_API_LOG_SINK_H_
+#endif  // PAVONA_BASE_LOG_SINK_H_

@@ -1,8 +1,8 @@
 // Android log records of the engine: error priority, tag "pavona", and a
 // message that starts "[%s][%d]: " with the function name and source line.
 // On Linux the same liblog prints logcat-style lines on stderr.
-#ifndef PAVONA_API_ANDROID_LOG_H_
-#define PAVONA_API_ANDROID_LOG_H_
+#ifndef PAVONA_BASE_ANDROID_LOG_H_
+#define PAVONA_BASE_ANDROID_LOG_H_
 
 #include <android/log.h>
 
@@ -12,4 +12,4 @@
 #define PAVONA_ALOGE(format, ...) \
   PAVONA_ALOG_AS(__func__, format, ##__VA_ARGS__)
 
-#endif  // PAVONA_API_ANDROID_LOG_H_
+#endif  // PAVONA_BASE_ANDROID_LOG_H_

@@ -1,4 +1,4 @@
-#include "api/log_sink.h"
+#include "base/log_sink.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,8 +2,8 @@
 // AArch64, SIMDe's portable translation everywhere else. Every NEON kernel
 // includes this header and nothing else for its intrinsics, so the same
 // source is built and tested on both.
-#ifndef ZEL_NEON_NEON_COMPAT_H_
-#define ZEL_NEON_NEON_COMPAT_H_
+#ifndef PAVONA_BASE_NEON_COMPAT_H_
+#define PAVONA_BASE_NEON_COMPAT_H_
 
 #if defined(__aarch64__)
 #include <arm_neon.h>
@@ -16,4 +16,4 @@ static inline float32x4_t vsqrtq_f32(float32x4_t v) {
 }
 #endif
 
-#endif  // ZEL_NEON_NEON_COMPAT_H_
+#endif  // PAVONA_BASE_NEON_COMPAT_H_

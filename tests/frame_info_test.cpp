@@ -1,0 +1,146 @@
+// pavonaGetFrameInfo as a host sees it: linked against libPavona.so, fed
+// through the entry table.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "api/pavona_ext.h"
+#include "tests/support/frames.h"
+#include "tests/support/host_records.h"
+
+namespace {
+
+using pavona::testing::Frame;
+using pavona::testing::Handle;
+using pavona::testing::initRecord;
+using pavona::testing::linkedTable;
+using pavona::testing::makeFrame8;
+
+PavonaFrameInfo frameInfo(void* handle) {
+  PavonaFrameInfo info;
+  std::memset(&info, 0x5a, sizeof info);
+  info.size = sizeof info;
+  EXPECT_EQ(pavonaGetFrameInfo(handle, &info), 0);
+  return info;
+}
+
+ProcessParamData request(int colorNum) {
+  ProcessParamData param{};
+  param.colorNum = colorNum;
+  return param;
+}
+
+// A 256 x 192 NV21 frame whose 32 x 32 blocks are flat, so every working
+// pixel of the 8 x 6 working frame takes its block's colour whatever the
+// sampling position. `region` names each block's colour.
+Frame blockFrame(const int (&region)[6][8]) {
+  static const uint8_t kYVU[4][3] = {
+      {60, 170, 90}, {200, 60, 150}, {120, 110, 40}, {230, 128, 128}};
+  Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 256, 192, 0);
+  for (int y = 0; y < 192; ++y) {
+    for (int x = 0; x < 256; ++x) {
+      const uint8_t* c = kYVU[region[y / 32][x / 32]];
+      frame.y[y * 256 + x] = c[0];
+      if (y % 2 == 0 && x % 2 == 0) {
+        frame.uv[(y / 2) * 256 + x] = c[1];
+        frame.uv[(y / 2) * 256 + x + 1] = c[2];
+      }
+    }
+  }
+  return frame;
+}
+
+TEST(FrameInfo, MembersCountEachColoursWorkingPixels) {
+  // The k = 4 seeds sit at working (1,4), (3,2), (3,6) and (3,4): one in
+  // each region, so the clusters are the regions and their sizes are known.
+  // Chroma is shared by 2 x 2 working pixels, so regions follow that grid.
+  const int regions[6][8] = {
+      {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0},
+      {1, 1, 1, 1, 3, 3, 2, 2}, {1, 1, 1, 1, 3, 3, 2, 2},
+      {1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1}};
+  Handle handle(linkedTable(), initRecord(256, 192));
+  Frame frame = blockFrame(regions);
+  ProcessParamData param = request(4);
+  handle.process(&frame.image, param);
+
+  const PavonaFrameInfo info = frameInfo(handle.get());
+  EXPECT_EQ(info.status, 0);
+  EXPECT_EQ(info.workingWidth, 8);
+  EXPECT_EQ(info.workingHeight, 6);
+  ASSERT_EQ(info.rows, 4);
+  EXPECT_GE(info.passes, 1);
+  std::vector<int> members(info.members, info.members + info.rows);
+  std::sort(members.begin(), members.end());
+  EXPECT_EQ(members, (std::vector<int>{4, 4, 16, 24}));
+  for (int row = info.rows; row < 20; ++row) EXPECT_EQ(info.members[row], 0);
+}
+
+TEST(FrameInfo, EveryFailureReportsItsStatusWithNoRows) {
+  struct Case {
+    const char* what;
+    void (*spoil)(Image&);
+    int32_t status;
+  };
+  const Case cases[] = {
+      {"format refused by point preparation",
+       [](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; },
+       STATUS_INVALID_ARGUMENT},
+      {"odd width refused by the resize", [](Image& i) { i.width = 3999; },
+       STATUS_INVALID_ARGUMENT},
+      {"missing luma plane", [](Image& i) { i.yPlane = nullptr; },
+       STATUS_INVALID_ARGUMENT},
+  };
+  Handle handle(linkedTable(), initRecord(4000, 3000));
+  EXPECT_EQ(frameInfo(handle.get()).status, -1) << "before any frame";
+  for (const Case& c : cases) {
+    Frame good = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
+    ProcessParamData param = request(8);
+    handle.process(&good.image, param);
+    ASSERT_EQ(frameInfo(handle.get()).rows, 8) << c.what;
+
+    Frame bad = good;
+    pavona::testing::bind(bad);
+    c.spoil(bad.image);
+    handle.process(&bad.image, param);
+    const PavonaFrameInfo info = frameInfo(handle.get());
+    EXPECT_EQ(info.status, c.status) << c.what;
+    EXPECT_EQ(info.rows, 0) << c.what;
+    EXPECT_EQ(info.passes, 0) << c.what;
+    EXPECT_EQ(info.members[0], 0) << c.what;
+  }
+}
+
+TEST(FrameInfo, FramesRefusedBeforeTheEngineOrWithoutAWorkingFrame) {
+  Handle handle(linkedTable(), initRecord(4000, 3000));
+  Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
+  ProcessParamData param = request(3);
+  handle.process(&frame.image, param);
+  ASSERT_EQ(frameInfo(handle.get()).status, 0);
+  handle.process(nullptr, param);
+  EXPECT_EQ(frameInfo(handle.get()).status, STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(frameInfo(handle.get()).rows, 0);
+
+  // Too small for a working frame: every frame fails in the resize.
+  Handle tiny(linkedTable(), initRecord(48, 40));
+  tiny.process(&frame.image, param);
+  const PavonaFrameInfo info = frameInfo(tiny.get());
+  EXPECT_EQ(info.status, STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(info.workingWidth | info.rows | info.passes, 0);
+}
+
+TEST(FrameInfo, RefusesBadArgumentsAndWritesNothing) {
+  Handle handle(linkedTable(), initRecord(4000, 3000));
+  PavonaFrameInfo info;
+  std::memset(&info, 0x5a, sizeof info);
+  info.size = sizeof info - 1;
+  const PavonaFrameInfo before = info;
+  EXPECT_EQ(pavonaGetFrameInfo(handle.get(), &info), STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(std::memcmp(&info, &before, sizeof info), 0);
+  info.size = sizeof info;
+  EXPECT_EQ(pavonaGetFrameInfo(nullptr, &info), STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(pavonaGetFrameInfo(handle.get(), nullptr), STATUS_INVALID_ARGUMENT);
+}
+
+}  // namespace

@@ -1,0 +1,2 @@
+// A kernel source reaching up into the engine: must not compile.
+#include "src/KImages.h"
