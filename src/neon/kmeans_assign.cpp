@@ -44,12 +44,12 @@
 // ties alike, gives label a again. R < 2^36 keeps every D below kFar
 // (about 2^73.8), so the starting distance never decides. (With k = 1, D_2
 // is kFar and every label is 0 anyway.) A held H is read, never rewritten.
-// In full: the first pass, a pass after one not bounded, any pass with a
-// centre or a sample not finite or R too large, k > kMaxBoundedCentres,
-// the tail (weighted), and every sample with H not above keep, four at a
-// time (a whole block, or lanes gathered from several) through the
-// compare-and-select chain of the body above, so its labels are
-// assignNearest's.
+// In full: the first pass and those before the centres settle (measuring
+// costs more than a plain pass), any pass with a centre or a sample not
+// finite or R too large, k > kMaxBoundedCentres, the tail (weighted), and
+// every sample with H not above keep, gathered four or eight at a time
+// through the compare-and-select chain of the body above, so its labels
+// are assignNearest's. A gap is only held from a bounded pass right before.
 //
 // Reads count floats of each plane and k centres; writes only
 // nearest/labels[0 ... count-1] (gaps in place of nearest).
@@ -192,7 +192,7 @@ float32x4_t gapOf(float32x4_t best, float32x4_t second, float base) {
 }
 
 // Blocks of four samples evaluated in full from kFar and label 0, keeping
-// the second nearest distance; returns the gaps, leaves the labels.
+// the second nearest distance, into gap and label.
 template <int kBlocks>
 void measure(const float32x4x3_t* s, const CentreVectors* centres, int k,
              float base, float32x4_t* gap, int32x4_t* label) {
@@ -246,7 +246,7 @@ void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
     measureBlocks<1>(samples, j, centres, k, base, gaps, labels);
 }
 
-// Samples whose gaps failed, gathered four at a time from scattered
+// Samples whose gaps failed, gathered eight at a time from scattered
 // blocks: near a cluster's border only some lanes of a block fail.
 class Remeasure {
  public:
