@@ -8,7 +8,7 @@ FUZZ_SMOKE_SECONDS ?= 5
 # Frames each of the soak's two handles processes in `make soak`.
 SOAK_FRAMES ?= 40000
 
-.PHONY: all deps demo test fuzz soak bench format clean
+.PHONY: all deps demo test fuzz soak bench bench-aarch64 format clean
 
 all: demo
 
@@ -24,7 +24,18 @@ demo: deps
 	@echo
 	@build/release/tools/pavona/pavona --preview $(DEMO_DIR)/ samples/*.jpg
 	@echo
+	@rm -rf $(DEMO_DIR)/clip && mkdir -p $(DEMO_DIR)/clip
+	@build/release/tools/pavona/pavona_demo_frames $(DEMO_DIR)/clip \
+	  samples/coffee.jpg samples/chelsea.jpg
+	@gst-launch-1.0 -q multifilesrc location=$(DEMO_DIR)/clip/frame-%03d.png \
+	  caps=image/png,framerate=24/1 ! pngdec ! videoconvert ! \
+	  vp8enc deadline=1 target-bitrate=2000000 ! webmmux ! \
+	  filesink location=$(DEMO_DIR)/pan-and-cut.webm
+	@build/release/tools/pavona/pavona -k 3 --timeline $(DEMO_DIR)/timeline.png \
+	  $(DEMO_DIR)/pan-and-cut.webm
+	@echo
 	@echo "Previews of the palettes: $(DEMO_DIR)/*.png"
+	@echo "Palettes over time on $(DEMO_DIR)/pan-and-cut.webm: $(DEMO_DIR)/timeline.png"
 
 test: deps
 	@failed=(); \
@@ -73,6 +84,11 @@ bench:
 	  --benchmark_repetitions=$(BENCH_REPETITIONS) \
 	  --benchmark_enable_random_interleaving=true \
 	  --benchmark_min_time=$(BENCH_MIN_TIME) $(BENCH_ARGS)
+
+# AArch64 instructions a frame and a stage, counted under qemu-aarch64 by
+# our TCG plugin, beside Debian's arm64 libyuv and OpenCV; prints one table.
+bench-aarch64: deps
+	@bench/aarch64/count.sh
 
 format:
 	@git ls-files '*.c' '*.h' '*.cpp' | xargs clang-format -i

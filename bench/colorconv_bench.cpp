@@ -19,7 +19,7 @@ void convertFrame(benchmark::State& state, ConvertSize size) {
   const int stride = size.width * static_cast<int>(sizeof(T));
   for (auto _ : state) {
     const int status =
-        scalar ? pavona::internal::nv21_to_rgb_impl_scalar<T, uFirst, bits, 0>(
+        scalar ? pavona::internal::nv21_to_rgb_impl_C<T, uFirst, bits, 0>(
                      frame.luma.data(), frame.chroma.data(), rgb, size.width,
                      size.height, stride, stride, 12 * size.width)
                : pavona::nv21_to_rgb<T, uFirst, bits, 0>(

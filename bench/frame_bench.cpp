@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "api/pavona_host.h"
 #include "bench/allocation_counter.h"
 #include "bench/console_silencer.h"
 #include "bench/frame_cases.h"
 #include "bench/nv21_frames.h"
+#include "bench/table_handle.h"
 
 namespace bench {
 
@@ -18,39 +18,23 @@ namespace {
 
 void framePavona(benchmark::State& state, Cache cache, int colours,
                  bool preview) {
-  PavonaApi api{};
-  get_algo_api(&api);
   uint64_t calls = 0;
   uint64_t bytes = 0;
   {
     const ConsoleSilencer quiet;
-    api.setLogStatus(0);
-    InitParamData init{};
-    init.width = kFrameWidth;
-    init.height = kFrameHeight;
-    init.format = IMAGE_FORMAT_NV21;
-    void* handle = nullptr;
-    api.algoInitHandle(&handle, &init);
+    TableHandle table;
     ProcessParamData param{};
     param.colorNum = colours;
     param.showPalette = preview ? 1 : 0;
     timeFrames(state, cache, [&](Nv21Frame frame) {
-      Image image{};
-      image.format = IMAGE_FORMAT_NV21;
-      image.width = kFrameWidth;
-      image.height = kFrameHeight;
-      image.stride = kFrameStride;
-      image.yPlane = frame.y;
-      image.uvPlane = frame.vu;
       // Random seeding (k other than 4 and 8) starts alike every frame.
       std::srand(1);
       const Allocations before = allocationsSoFar();
-      api.singleProcessImage(handle, &image, &param, nullptr);
+      table.process(frame, param);
       const Allocations after = allocationsSoFar();
       calls += after.calls - before.calls;
       bytes += after.bytes - before.bytes;
     });
-    api.releaseHandle(handle, nullptr);
   }
   const double frames = static_cast<double>(state.iterations());
   state.counters["allocs"] = static_cast<double>(calls) / frames;

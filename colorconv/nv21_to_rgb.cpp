@@ -179,11 +179,10 @@ inline void convertStep(const T* y0, const T* y1, const T* uv, float* out0,
 }  // namespace
 
 template <typename T, bool uFirst, int bits, int shift>
-ConversionResult<T, bits> nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV,
-                                                  float* dstRGB, int width,
-                                                  int height, int srcYStride,
-                                                  int srcUVStride,
-                                                  int dstStride) {
+ConversionResult<T, bits> nv21_to_rgb_impl_C(const T* srcY, const T* srcUV,
+                                             float* dstRGB, int width,
+                                             int height, int srcYStride,
+                                             int srcUVStride, int dstStride) {
   static_assert(shift == 0, "samples enter unshifted; no other shift exists");
   for (int row = 0; row < height; row += 2) {
     const T* y0 = rowAt(srcY, row, srcYStride);
@@ -208,7 +207,7 @@ ConversionResult<T, bits> nv21_to_rgb_impl(const T* srcY, const T* srcUV,
   // stride through); then the order of the writes decides the final bytes,
   // and that order is the scalar one.
   if (static_cast<int64_t>(dstStride) < 12 * static_cast<int64_t>(width)) {
-    return nv21_to_rgb_impl_scalar<T, uFirst, bits, shift>(
+    return nv21_to_rgb_impl_C<T, uFirst, bits, shift>(
         srcY, srcUV, dstRGB, width, height, srcYStride, srcUVStride, dstStride);
   }
   for (int row = 0; row < height; row += 2) {
@@ -241,18 +240,15 @@ template int nv21_to_rgb_impl<uint8_t, true, 8, 0>(const uint8_t*,
 template int nv21_to_rgb_impl<uint16_t, true, 10, 0>(const uint16_t*,
                                                      const uint16_t*, float*,
                                                      int, int, int, int, int);
-template int nv21_to_rgb_impl_scalar<uint8_t, false, 8, 0>(const uint8_t*,
-                                                           const uint8_t*,
-                                                           float*, int, int,
-                                                           int, int, int);
-template int nv21_to_rgb_impl_scalar<uint8_t, true, 8, 0>(const uint8_t*,
-                                                          const uint8_t*,
-                                                          float*, int, int, int,
-                                                          int, int);
-template int nv21_to_rgb_impl_scalar<uint16_t, true, 10, 0>(const uint16_t*,
-                                                            const uint16_t*,
-                                                            float*, int, int,
-                                                            int, int, int);
+template int nv21_to_rgb_impl_C<uint8_t, false, 8, 0>(const uint8_t*,
+                                                      const uint8_t*, float*,
+                                                      int, int, int, int, int);
+template int nv21_to_rgb_impl_C<uint8_t, true, 8, 0>(const uint8_t*,
+                                                     const uint8_t*, float*,
+                                                     int, int, int, int, int);
+template int nv21_to_rgb_impl_C<uint16_t, true, 10, 0>(const uint16_t*,
+                                                       const uint16_t*, float*,
+                                                       int, int, int, int, int);
 
 }  // namespace pavona::internal
 

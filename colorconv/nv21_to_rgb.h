@@ -37,11 +37,10 @@ PAVONA_EXPORT ConversionResult<T, bits> nv21_to_rgb_impl(
 // The same conversion one 2x2 block at a time in plain C++: the reference
 // that the vector kernel must match bit for bit.
 template <typename T, bool uFirst, int bits, int shift>
-ConversionResult<T, bits> nv21_to_rgb_impl_scalar(const T* srcY, const T* srcUV,
-                                                  float* dstRGB, int width,
-                                                  int height, int srcYStride,
-                                                  int srcUVStride,
-                                                  int dstStride);
+ConversionResult<T, bits> nv21_to_rgb_impl_C(const T* srcY, const T* srcUV,
+                                             float* dstRGB, int width,
+                                             int height, int srcYStride,
+                                             int srcUVStride, int dstStride);
 
 }  // namespace internal
 
@@ -85,12 +84,18 @@ extern template int nv21_to_rgb_impl<uint16_t, true, 10, 0>(const uint16_t*,
                                                             const uint16_t*,
                                                             float*, int, int,
                                                             int, int, int);
-extern template int nv21_to_rgb_impl_scalar<uint8_t, false, 8, 0>(
-    const uint8_t*, const uint8_t*, float*, int, int, int, int, int);
-extern template int nv21_to_rgb_impl_scalar<uint8_t, true, 8, 0>(
-    const uint8_t*, const uint8_t*, float*, int, int, int, int, int);
-extern template int nv21_to_rgb_impl_scalar<uint16_t, true, 10, 0>(
-    const uint16_t*, const uint16_t*, float*, int, int, int, int, int);
+extern template int nv21_to_rgb_impl_C<uint8_t, false, 8, 0>(const uint8_t*,
+                                                             const uint8_t*,
+                                                             float*, int, int,
+                                                             int, int, int);
+extern template int nv21_to_rgb_impl_C<uint8_t, true, 8, 0>(const uint8_t*,
+                                                            const uint8_t*,
+                                                            float*, int, int,
+                                                            int, int, int);
+extern template int nv21_to_rgb_impl_C<uint16_t, true, 10, 0>(const uint16_t*,
+                                                              const uint16_t*,
+                                                              float*, int, int,
+                                                              int, int, int);
 }  // namespace internal
 
 extern template int nv21_to_rgb<uint8_t, false, 8, 0>(const uint8_t*,

@@ -71,7 +71,7 @@ void run(FuzzedDataProvider& in) {
     return;
   }
   if (status != 0) fail("valid conversion refused");
-  pavona::internal::nv21_to_rgb_impl_scalar<T, uFirst, bits, 0>(
+  pavona::internal::nv21_to_rgb_impl_C<T, uFirst, bits, 0>(
       reinterpret_cast<const T*>(srcY.first()),
       reinterpret_cast<const T*>(srcUV.first()),
       reinterpret_cast<float*>(twin.first()), evenWidth, evenHeight, srcYStride,

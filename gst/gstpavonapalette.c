@@ -5,6 +5,7 @@
 #include "palette_band.h"
 #include "palette_message.h"
 #include "pavona_ext.h"
+#include "tracker/palette_tracker_c.h"
 
 GST_DEBUG_CATEGORY_STATIC(gst_pavona_palette_debug);
 #define GST_CAT_DEFAULT gst_pavona_palette_debug
@@ -21,7 +22,8 @@ enum {
   PROP_INTERVAL,
   PROP_POST_MESSAGES,
   PROP_DRAW,
-  PROP_SEED
+  PROP_SEED,
+  PROP_SMOOTH
 };
 
 #define DEFAULT_COLORS 3
@@ -29,6 +31,7 @@ enum {
 #define DEFAULT_POST_MESSAGES TRUE
 #define DEFAULT_DRAW FALSE
 #define DEFAULT_SEED (-1)
+#define DEFAULT_SMOOTH 0.0
 
 #define PAVONA_CAPS GST_VIDEO_CAPS_MAKE("{ NV12, NV21, P010_10LE }")
 
@@ -49,13 +52,18 @@ typedef struct Settings {
   gboolean post_messages;
   gboolean draw;
   gint seed;
+  gdouble smooth;
 } Settings;
 
+/* The handle and the tracker both follow one stream. */
 static void release_handle(GstPavonaPalette* self) {
   if (self->handle != NULL) {
     self->api.releaseHandle(self->handle, NULL);
     self->handle = NULL;
   }
+  pavona_tracker_free(self->tracker);
+  self->tracker = NULL;
+  self->tracker_weight = 0;
 }
 
 static gboolean size_is_refused(const GstVideoInfo* info) {
@@ -153,6 +161,20 @@ static void post_palette(GstPavonaPalette* self, const GstVideoFrame* frame,
                            gst_message_new_element(GST_OBJECT(self), s));
 }
 
+/* Runs the tracker on the rows when smoothing is on; a new weight starts
+ * a new tracker. */
+static void smooth_palette(GstPavonaPalette* self, gdouble weight,
+                           PavonaPalette* palette) {
+  if (weight != self->tracker_weight) {
+    pavona_tracker_free(self->tracker);
+    self->tracker = weight > 0 ? pavona_tracker_new(weight) : NULL;
+    self->tracker_weight = weight;
+  }
+  if (self->tracker == NULL) return;
+  pavona_tracker_update(self->tracker, palette->rgbl, palette->share,
+                        palette->rows, palette->sample_max);
+}
+
 /* Everything done with an analysed frame's palette. */
 static void publish(GstPavonaPalette* self, GstVideoFrame* frame,
                     const Settings* settings, const PavonaPalette* palette) {
@@ -173,6 +195,7 @@ static GstFlowReturn gst_pavona_palette_transform_frame_ip(
   settings.post_messages = self->post_messages;
   settings.draw = self->draw;
   settings.seed = self->seed;
+  settings.smooth = self->smooth;
   GST_OBJECT_UNLOCK(self);
 
   if (self->frames++ % settings.interval != 0) return GST_FLOW_OK;
@@ -189,6 +212,7 @@ static GstFlowReturn gst_pavona_palette_transform_frame_ip(
     }
     return GST_FLOW_OK;
   }
+  smooth_palette(self, settings.smooth, &palette);
   publish(self, frame, &settings, &palette);
   return GST_FLOW_OK;
 }
@@ -228,6 +252,9 @@ static void gst_pavona_palette_set_property(GObject* object, guint prop_id,
     case PROP_SEED:
       self->seed = g_value_get_int(value);
       break;
+    case PROP_SMOOTH:
+      self->smooth = g_value_get_double(value);
+      break;
     default:
       G_OBJECT_WARN_INVALID_PROPERTY_ID(object, prop_id, pspec);
       break;
@@ -259,6 +286,9 @@ static void gst_pavona_palette_get_property(GObject* object, guint prop_id,
       break;
     case PROP_SEED:
       g_value_set_int(value, self->seed);
+      break;
+    case PROP_SMOOTH:
+      g_value_set_double(value, self->smooth);
       break;
     default:
       G_OBJECT_WARN_INVALID_PROPERTY_ID(object, prop_id, pspec);
@@ -321,6 +351,16 @@ static void gst_pavona_palette_class_init(GstPavonaPaletteClass* klass) {
           "rand() is shared by the whole process: this reseeds it for "
           "every other user too. -1 leaves rand() alone",
           -1, G_MAXINT, DEFAULT_SEED, flags));
+  g_object_class_install_property(
+      gobject_class, PROP_SMOOTH,
+      g_param_spec_double(
+          "smooth", "Smooth",
+          "When above 0, follow each colour from frame to frame, keep the "
+          "rows in a stable order and move each colour by this weight "
+          "towards the row it matches (in CIELAB); posted and drawn rows "
+          "are then the smoothed ones. 0 posts the plug-in's rows as they "
+          "are",
+          0.0, 1.0, DEFAULT_SMOOTH, flags));
 
   gst_element_class_set_static_metadata(
       element_class, "Pavona palette", "Filter/Analyzer/Video",
@@ -346,6 +386,7 @@ static void gst_pavona_palette_init(GstPavonaPalette* self) {
   self->post_messages = DEFAULT_POST_MESSAGES;
   self->draw = DEFAULT_DRAW;
   self->seed = DEFAULT_SEED;
+  self->smooth = DEFAULT_SMOOTH;
   get_algo_api(&self->api);
   self->api.setLogStatus(0);
   gst_base_transform_set_in_place(GST_BASE_TRANSFORM(self), TRUE);

@@ -25,13 +25,16 @@ struct _GstPavonaPalette {
   gboolean post_messages;
   gboolean draw;
   gint seed;
+  gdouble smooth;
 
   /* Streaming state. */
   PavonaApi api;
   void* handle; /* one per negotiated caps */
   PavonaScratch scratch;
-  guint64 frames;  /* since start, analysed or not */
-  gboolean warned; /* a refused frame has been reported */
+  guint64 frames;                /* since start, analysed or not */
+  gboolean warned;               /* a refused frame has been reported */
+  struct PavonaTracker* tracker; /* while smooth is above 0 */
+  gdouble tracker_weight;
 };
 
 GST_ELEMENT_REGISTER_DECLARE(pavonapalette);

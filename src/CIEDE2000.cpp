@@ -1,6 +1,12 @@
 // The palette must come out bit for bit the same on every build, so each
 // step below keeps its own precision: float where the value lives in float,
 // double only where the step widens, and sums in the order written.
+//
+// The colour difference is CIEDE2000 as published by G. Sharma, W. Wu and
+// E. N. Dalal, "The CIEDE2000 color-difference formula: implementation
+// notes, supplementary test data, and mathematical observations", Color
+// Research & Application 30(1), 2005. Its angles are in degrees there and in
+// radians here; each constant below names its degrees.
 #include "src/CIEDE2000.h"
 
 #include <cmath>
@@ -10,8 +16,8 @@ namespace {
 
 // 25^7 as it was once rounded to float; every palette depends on it.
 constexpr double kPow25To7 = 6103515648.0;
-constexpr float kTwoPi = 6.2831855f;
-constexpr float kPi = 3.1415927f;
+constexpr float kTwoPi = 6.2831855f;  // 360°
+constexpr float kPi = 3.1415927f;     // 180°
 
 // sRGB companding, undone. The threshold compares in double.
 float linearise(float v) {
@@ -119,14 +125,18 @@ float CIEDE2000(const LAB& lab1, const LAB& lab2) {
   }
 
   const double hBar = hBarP;
-  const double cosFirst = cosf(hBarP - 0.5235988f);
+  // T = 1 - 0.17 cos(h - 30°) + 0.24 cos(2h) + 0.32 cos(3h + 6°)
+  //       - 0.20 cos(4h - 63°)
+  const double cosFirst = cosf(hBarP - 0.5235988f);  // 30°
   const float t =
       static_cast<float>(1.0 - 0.17 * cosFirst + 0.24 * cos(2.0 * hBar) +
-                         0.32 * cos(3.0 * hBar + 0.10471975803375244) -
-                         0.2 * cos(4.0 * hBar - 1.0995573997497559));
+                         0.32 * cos(3.0 * hBar + 0.10471975803375244) -  // 6°
+                         0.2 * cos(4.0 * hBar - 1.0995573997497559));    // 63°
 
-  const double q = (hBarP - 4.7996554f) / 0.43633232f;
-  const float dTheta = static_cast<float>(0.5235987901687622 * exp(-(q * q)));
+  // Δθ = 30° exp(-((h - 275°) / 25°)^2)
+  const double q = (hBarP - 4.7996554f) / 0.43633232f;  // 275°, 25°
+  const float dTheta =
+      static_cast<float>(0.5235987901687622 * exp(-(q * q)));  // 30°
 
   const double cBarPd = cBarP;
   const double cBarP7 = pow(cBarPd, 7.0);

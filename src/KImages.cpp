@@ -35,8 +35,7 @@ KImages::KImages()
       m_downWidth(0),
       m_downHeight(0),
       m_downStride(0),
-      m_downRows(0),
-      m_observer(nullptr) {}
+      m_downRows(0) {}
 
 KImages::~KImages() = default;
 
@@ -89,5 +88,3 @@ void KImages::setParameters(int colorNum) {
 }
 
 int KImages::uninit() { return 0; }
-
-void KImages::setObserver(KImagesObserver* observer) { m_observer = observer; }

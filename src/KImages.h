@@ -6,26 +6,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/export.h"
 #include "api/pavona_host.h"
+#include "base/export.h"
 #include "src/frame_outcome.h"
 #include "src/neon/KMeansAlgo_neon.h"
-
-// Lets our own tools see what a frame produced beyond the host's record.
-// Off unless installed with KImages::setObserver; the host's outputs are the
-// same with or without it.
-class KImagesObserver {
- public:
-  virtual ~KImagesObserver() = default;
-  // The finished preview: 8-bit RGB, `stride` bytes a row. Called before the
-  // canvas is released; the pointer is valid only during the call.
-  virtual void onPaletteCanvas(const uint8_t* rgb, int width, int height,
-                               int stride) = 0;
-  // After colour selection: for each written palette row, the member count
-  // of the cluster it came from (without the list's starting centre), and
-  // the number of k-means passes the frame ran.
-  virtual void onPaletteRows(const int* memberCounts, int rows, int passes) = 0;
-};
 
 class PAVONA_EXPORT KImages {
  public:
@@ -47,13 +31,21 @@ class PAVONA_EXPORT KImages {
   void colorChosen(float (*palette)[4], IMAGE_FORMAT_TYPE format);
   // Renders the preview canvas in scratch memory and releases it.
   void displayPalette(const char* name, IMAGE_FORMAT_TYPE format);
+  // The preview canvas, 8-bit RGB, for the current working size.
+  struct CanvasSize {
+    int32_t width;
+    int32_t height;
+    int32_t stride;  // bytes a row
+  };
+  PAVONA_HIDDEN CanvasSize paletteCanvasSize() const;
+  // Draws the preview into `canvas` (laid out as paletteCanvasSize says),
+  // with `working` (3 bytes a working pixel) as scratch.
+  PAVONA_HIDDEN void drawPalette(IMAGE_FORMAT_TYPE format, uint8_t* working,
+                                 uint8_t* canvas) const;
   // One frame, image in, palette rows out.
   int processKImages(Image* image, ProcessParamData* param);
   // Clusters the current points; returns KMeansAlgo::init's status.
   int getPalette();
-
-  // Installs (or, with null, removes) an observer; not owned.
-  void setObserver(KImagesObserver* observer);
 
   int32_t m_colorNum;
   int32_t m_maxColorNum;
@@ -65,10 +57,9 @@ class PAVONA_EXPORT KImages {
   std::unique_ptr<uint8_t[]> m_downImage;
   std::unique_ptr<_Point[]> m_points;
   std::unique_ptr<_Point[]> m_clusters;
-  // Declared last so that it is destroyed first.
+  // Declared after the buffers, so it is destroyed before them.
   std::unique_ptr<KMeansAlgo> m_KMeansEngine;
 
-  KImagesObserver* m_observer;
   // The last frame's outcome, for the frame-information call.
   pavona::FrameOutcome m_lastFrame;
 };

@@ -42,10 +42,6 @@ int KImages::processKImages(Image* image, ProcessParamData* param) {
         m_KMeansEngine->m_clusters[m_lastFrame.cluster[row]];
     m_lastFrame.members[row] = static_cast<int32_t>(cluster.points.size()) - 1;
   }
-  if (m_observer != nullptr) {
-    m_observer->onPaletteRows(m_lastFrame.members, m_lastFrame.rows,
-                              m_lastFrame.passes);
-  }
   return 0;
 }
 

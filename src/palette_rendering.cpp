@@ -1,6 +1,5 @@
 // The preview: the working image in a white frame with one swatch per
-// cluster centre underneath. Drawn in scratch memory and released again;
-// only an installed observer ever sees it.
+// cluster centre underneath. Drawn in scratch memory and released again.
 //
 //        <------------- w + 30 ------------->
 //   0    +----------------------------------+
@@ -53,20 +52,29 @@ uint8_t channelByte(float value, bool tenBit) {
 
 }  // namespace
 
+KImages::CanvasSize KImages::paletteCanvasSize() const {
+  const int32_t width = m_downWidth + kFrameLeft + kFrameRight;
+  return {width, m_downHeight + kFrameTop + kFrameBottom, 3 * width};
+}
+
 void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
+  const CanvasSize size = paletteCanvasSize();
+  // Declared in this order so the canvas is released first.
+  std::unique_ptr<uint8_t[]> working(
+      new uint8_t[pavona::exactInt32(int64_t{3} * m_downWidth * m_downHeight)]);
+  std::unique_ptr<uint8_t[]> canvas(
+      new uint8_t[pavona::exactInt32(int64_t{size.stride} * size.height)]);
+  drawPalette(format, working.get(), canvas.get());
+}
+
+void KImages::drawPalette(IMAGE_FORMAT_TYPE format, uint8_t* working,
+                          uint8_t* canvas) const {
   const int w = m_downWidth;
   const int h = m_downHeight;
   const int k = m_colorNum;
   const bool tenBit = format == IMAGE_FORMAT_YUV420SP_10BIT;
-  const int canvasWidth = w + kFrameLeft + kFrameRight;
-  const int canvasHeight = h + kFrameTop + kFrameBottom;
-  const int canvasStride = 3 * canvasWidth;
-
-  // Declared in this order so the canvas is released first.
-  std::unique_ptr<uint8_t[]> working(
-      new uint8_t[pavona::exactInt32(int64_t{3} * w * h)]);
-  std::unique_ptr<uint8_t[]> canvas(
-      new uint8_t[pavona::exactInt32(int64_t{canvasStride} * canvasHeight)]);
+  const int canvasWidth = paletteCanvasSize().width;
+  const int canvasStride = paletteCanvasSize().stride;
 
   for (int y = 0; y < h; ++y) {
     for (int x = 0; x < w; ++x) {
@@ -81,8 +89,8 @@ void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
   const uint8_t white[3] = {255, 255, 255};
   if (w >= 1 && h >= 1) {
     zel::cpp::imgproc::copyMakeBorder_v01<uint8_t, 3, 1, zel::BORDER_CONSTANT>(
-        working.get(), canvas.get(), w, h, 3 * w, canvasStride, kFrameTop,
-        kFrameBottom, kFrameLeft, kFrameRight, white);
+        working, canvas, w, h, 3 * w, canvasStride, kFrameTop, kFrameBottom,
+        kFrameLeft, kFrameRight, white);
   }
 
   const int pitch = canvasWidth / (k + 1);
@@ -96,17 +104,12 @@ void KImages::displayPalette(const char* /*name*/, IMAGE_FORMAT_TYPE format) {
                             channelByte(m_clusters[i].g, tenBit),
                             channelByte(m_clusters[i].b, tenBit)};
     for (int y = firstRow; y < firstRow + kSwatchRows; ++y) {
-      uint8_t* row = canvas.get() + y * canvasStride;
+      uint8_t* row = canvas + y * canvasStride;
       for (int x = x0; x < x1; ++x) {
         row[3 * x + 0] = rgb[0];
         row[3 * x + 1] = rgb[1];
         row[3 * x + 2] = rgb[2];
       }
     }
-  }
-
-  if (m_observer != nullptr) {
-    m_observer->onPaletteCanvas(canvas.get(), canvasWidth, canvasHeight,
-                                canvasStride);
   }
 }

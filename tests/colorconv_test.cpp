@@ -34,7 +34,7 @@ struct Layout {
   }
   static int scalar(const T* y, const T* uv, float* dst, int width, int height,
                     int yStride, int uvStride, int dstStride) {
-    return pavona::internal::nv21_to_rgb_impl_scalar<T, uFirst, bits, 0>(
+    return pavona::internal::nv21_to_rgb_impl_C<T, uFirst, bits, 0>(
         y, uv, dst, width, height, yStride, uvStride, dstStride);
   }
 };

@@ -68,7 +68,6 @@ TEST(KImagesState, StartsWithDefaultsAndNoBuffers) {
   EXPECT_EQ(engine.m_points, nullptr);
   EXPECT_EQ(engine.m_clusters, nullptr);
   EXPECT_EQ(engine.m_KMeansEngine, nullptr);
-  EXPECT_EQ(engine.m_observer, nullptr);
 }
 
 // Worked by hand: w = width / 32, halved again when the width counts 16-bit

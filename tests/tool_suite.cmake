@@ -1,3 +1,8 @@
+# The palette tracker shared by the tool and the GStreamer element: on
+# every target, since it is plain C++.
+pavona_add_suite(tracker_test tracker_test.cpp)
+target_link_libraries(tracker_test PRIVATE pavona_tracker)
+
 # The pavona tool's tests: its input and output stages linked directly, and
 # the built binary run as a subprocess. Only where the tool is built.
 if(NOT TARGET pavona_tool_io)
@@ -6,8 +11,8 @@ endif()
 
 find_package(nlohmann_json REQUIRED)
 pavona_add_suite(tool_test tool_io_test.cpp tool_cli_test.cpp
-  tool_run_test.cpp tool_subprocess.cpp)
-target_link_libraries(tool_test PRIVATE pavona_tool_cli
+  tool_run_test.cpp tool_video_test.cpp tool_subprocess.cpp)
+target_link_libraries(tool_test PRIVATE pavona_tool_cli pavona_tracker
   nlohmann_json::nlohmann_json)
 add_dependencies(tool_test pavona_cli)
 target_compile_definitions(tool_test PRIVATE

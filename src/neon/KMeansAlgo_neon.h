@@ -31,7 +31,7 @@ class PAVONA_EXPORT KMeansAlgo {
   int m_clusterCount;
   float m_threshold;
   Cluster* m_clusters;
-  // Passes run by the last processKMeansAlgo; read by our own tools.
+  // Passes run by the last processKMeansAlgo; the engine reports them.
   int m_passCount;
 };
 

@@ -1,8 +1,10 @@
-// What the tool learned about one input: the plug-in's palette rows and
-// what the engine's observer told about them.
+// What the tool learned about one picture or video frame: the plug-in's
+// palette rows and what its frame information told about them.
 #ifndef PAVONA_TOOLS_PAVONA_FRAME_REPORT_H_
 #define PAVONA_TOOLS_PAVONA_FRAME_REPORT_H_
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,9 +39,21 @@ struct FrameReport {
   std::optional<unsigned> seed;
   std::string preview;                 // file written, if any
   std::vector<PaletteColour> colours;  // only rows the plug-in wrote
+
+  // Video frames only: `seconds` is set for them alone.
+  std::optional<double> seconds;  // presentation time
+  long frameIndex = 0;            // in decoding order, from 0
+  double pluginMs = 0;            // time inside singleProcessImage
+  std::optional<double> flicker;  // ΔE00 from the previous analysed frame
+  double smooth = 0;  // the --smooth weight the colours went through
 };
 
-// "#RRGGBB": rounded and clamped; 10-bit rows scaled by 255/1023.
+// The row as 8-bit R, G, B: rounded and clamped; 10-bit rows scaled by
+// 255/1023.
+std::array<uint8_t, 3> colourBytes(const PaletteColour& colour,
+                                   IMAGE_FORMAT_TYPE format);
+
+// "#RRGGBB" of colourBytes.
 std::string hexColour(const PaletteColour& colour, IMAGE_FORMAT_TYPE format);
 
 // The colour's cluster as a percentage of the working frame's points, or

@@ -13,6 +13,8 @@ namespace pavona::tool {
 // beyond any camera frame, and a corrupt header must not allocate gigabytes.
 inline constexpr int64_t kMaxPicturePixels = int64_t{1} << 26;
 
+// Whether the data starts with a PNG or JPEG signature.
+bool isPicture(const uint8_t* data, size_t size);
 // Picks the decoder from the data's signature. Throws ToolError for
 // anything that is not a complete, valid PNG or JPEG.
 RgbImage decodeImage(const uint8_t* data, size_t size);

@@ -42,6 +42,14 @@ std::string object(const FrameReport& report) {
            ", \"error\": " + quoted(report.error) + "}";
   }
   std::string out = "  {\n    \"file\": " + quoted(report.file) + ",\n";
+  if (report.seconds) {
+    out += "    \"index\": " + std::to_string(report.frameIndex) +
+           ", \"timestamp\": " + number(*report.seconds) +
+           ", \"pluginMs\": " + number(report.pluginMs) + ",\n";
+    out += "    \"flicker\": " +
+           (report.flicker ? number(*report.flicker) : "null") +
+           ", \"smooth\": " + number(report.smooth) + ",\n";
+  }
   out += "    \"source\": " + size(report.sourceWidth, report.sourceHeight) +
          ",\n";
   out += "    \"format\": " + quoted(formatName(report.format)) + ",\n";

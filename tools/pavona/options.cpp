@@ -35,6 +35,18 @@ long parseInteger(const std::string& option, const std::string& text, long low,
   return value;
 }
 
+double parseWeight(const std::string& option, const std::string& text) {
+  errno = 0;
+  char* end = nullptr;
+  const double value = std::strtod(text.c_str(), &end);
+  if (text.empty() || *end != '\0' || errno == ERANGE || !(value > 0) ||
+      value > 1) {
+    throw UsageError(option + " '" + text +
+                     "': expected a weight above 0 and at most 1");
+  }
+  return value;
+}
+
 void parseSize(const std::string& option, const std::string& text, int* width,
                int* height) {
   const size_t x = text.find_first_of("xX");
@@ -57,8 +69,7 @@ IMAGE_FORMAT_TYPE parseFormat(const std::string& option,
   throw UsageError(option + " '" + text + "': expected nv21, nv12 or yuv10");
 }
 
-void check(const Options& options, bool sizeGiven, bool strideGiven,
-           bool formatGiven) {
+void check(const Options& options, bool sizeGiven, bool strideGiven) {
   if (options.help || options.version) return;
   if (options.raw) {
     if (!sizeGiven) throw UsageError("--raw needs --size WIDTHxHEIGHT");
@@ -75,7 +86,7 @@ void check(const Options& options, bool sizeGiven, bool strideGiven,
                        ": shorter than a row of " + std::to_string(rowBytes) +
                        " bytes");
     }
-    if (formatGiven) {
+    if (options.formatGiven) {
       throw UsageError(
           "--format is for pictures; --raw names a frame's format");
     }
@@ -94,7 +105,7 @@ void check(const Options& options, bool sizeGiven, bool strideGiven,
 
 Options parse(const std::vector<std::string>& args) {
   Options options;
-  bool sizeGiven = false, strideGiven = false, formatGiven = false;
+  bool sizeGiven = false, strideGiven = false;
   bool onlyFiles = false;
   for (size_t i = 0; i < args.size(); ++i) {
     std::string arg = args[i];
@@ -140,9 +151,18 @@ Options parse(const std::vector<std::string>& args) {
     } else if (arg == "--preview") {
       options.preview = value();
       if (options.preview.empty()) throw UsageError("--preview needs a file");
+    } else if (arg == "--every") {
+      options.every = static_cast<int>(parseInteger(arg, value(), 1, INT_MAX));
+    } else if (arg == "--max-frames") {
+      options.maxFrames = parseInteger(arg, value(), 1, LONG_MAX);
+    } else if (arg == "--timeline") {
+      options.timeline = value();
+      if (options.timeline.empty()) throw UsageError("--timeline needs a file");
+    } else if (arg == "--smooth") {
+      options.smooth = parseWeight(arg, value());
     } else if (arg == "--format") {
       options.format = parseFormat(arg, value());
-      formatGiven = true;
+      options.formatGiven = true;
     } else if (arg == "--raw") {
       options.raw = parseFormat(arg, value());
     } else if (arg == "--size") {
@@ -158,7 +178,7 @@ Options parse(const std::vector<std::string>& args) {
       throw UsageError("unknown option '" + arg + "' (see --help)");
     }
   }
-  check(options, sizeGiven, strideGiven, formatGiven);
+  check(options, sizeGiven, strideGiven);
   return options;
 }
 
@@ -176,25 +196,29 @@ std::string usageText() {
   return R"(Usage: pavona [OPTIONS] FILE...
 
 Shows the dominant colours that the Pavona camera plug-in extracts from
-pictures (PNG, JPEG) or raw camera frames. Each picture is converted to a
-semi-planar YUV frame with full-range BT.601 (the inverse of the plug-in's
-own conversion) and handed to the plug-in through its entry-point table,
-as a camera host would.
+pictures (PNG, JPEG), raw camera frames or videos. Each picture is
+converted to a semi-planar YUV frame with full-range BT.601 (the inverse of
+the plug-in's own conversion) and handed to the plug-in through its
+entry-point table, as a camera host would. Any other file is decoded as a
+video with GStreamer, frame by frame.
 
 Options:
   -k, --colors K     colours to ask for (default 4). Passed on as given: the
                      plug-in uses 20 for K above 20 and 3 for K below 1, and
                      may write fewer rows when colours are equally distinct.
-      --preview PNG  save the plug-in's preview (the working image with a
-                     swatch per cluster). With several files, PNG gets -1,
-                     -2, ... before its extension; if PNG is a directory (or
-                     ends in /), each preview is DIR/<file name>.png.
-      --json         print one JSON array with an object per file.
+      --preview PNG  save a preview of each picture: the frame, at most 320
+                     pixels wide, above its colours, each as wide as its
+                     share. With several files, PNG gets -1, -2, ... before
+                     its extension; if PNG is a directory (or ends in /),
+                     each preview is DIR/<file name>.png.
+      --json         print one JSON array with an object per picture (per
+                     analysed frame for videos).
       --seed N       call srand(N) before every frame. For K other than 4
                      and 8 the plug-in seeds k-means from rand(), so palettes
                      drift from frame to frame; a seed makes runs repeatable.
-      --format F     frame format pictures are converted to: nv21 (default),
-                     nv12 or yuv10 (10-bit samples in 16-bit words).
+      --format F     frame format pictures and videos are converted to: nv21
+                     (default; videos deeper than 8 bits: yuv10), nv12 or
+                     yuv10 (10-bit samples in 16-bit words).
       --init WxH     frame size the plug-in is set up for (default 4000x3000).
                      Every frame is resampled to 1/32 of it, as on a phone.
       --raw F        the files are raw frames in format F (nv21, nv12, yuv10:
@@ -206,6 +230,21 @@ Options:
   -v, --verbose      let the plug-in's log lines through, on stderr.
   -h, --help         show this help.
       --version      show the tool's and the plug-in's versions.
+
+Videos:
+      --every N      analyse every N-th frame (default 1).
+      --max-frames N stop after N analysed frames.
+      --timeline PNG draw the palettes over time: a column per analysed
+                     frame, colours stacked by share, thumbnails above.
+                     Numbered or named as --preview is for several files.
+      --smooth A     follow each colour from frame to frame and move it by
+                     weight A (0 < A <= 1) towards the colour it matches:
+                     steadier palettes in a stable order. The plug-in's
+                     own output is unchanged.
+  Each video ends with its flicker: the share-weighted mean CIEDE2000
+  between the colours of consecutive analysed frames, matched one to one
+  at the least total difference; and the time spent in the plug-in.
+  --json gives one object per analysed frame instead.
 
 Per colour: rank, #RRGGBB (10-bit values scaled to 8 bits), the palette
 row as written (R, G, B, lightness) and the cluster's share of the frame.

@@ -19,8 +19,9 @@ struct Options {
   int rawWidth = 0;
   int rawHeight = 0;
   int rawStride = 0;  // 0: packed rows
-  // The frame format pictures are converted to.
+  // The frame format pictures are converted to; videos too when given.
   IMAGE_FORMAT_TYPE format = IMAGE_FORMAT_NV21;
+  bool formatGiven = false;
   int initWidth = 4000;
   int initHeight = 3000;
   // Handed to the plug-in as given; it clamps.
@@ -30,6 +31,13 @@ struct Options {
   bool noColor = false;
   bool verbose = false;
   std::optional<unsigned> seed;
+  // Video only: analyse every `every`-th frame, at most `maxFrames` of
+  // them (0: all), draw a timeline, smooth the palette with this weight
+  // (0: off).
+  int every = 1;
+  long maxFrames = 0;
+  std::string timeline;
+  double smooth = 0;
 
   // The format the engine is set up for and every frame carries.
   IMAGE_FORMAT_TYPE frameFormat() const { return raw ? *raw : format; }

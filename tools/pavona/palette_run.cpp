@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -10,7 +11,7 @@
 #include <limits>
 #include <string>
 
-#include "api/pavona.h"
+#include "api/pavona_ext.h"
 #include "tools/pavona/tool_error.h"
 
 namespace pavona::tool {
@@ -75,26 +76,12 @@ const char* pluginVersion() {
   return api.getVersion != nullptr ? api.getVersion() : "unknown";
 }
 
-void PaletteRunner::Observer::onPaletteCanvas(const uint8_t* rgb, int width,
-                                              int height, int stride) {
-  canvas.width = width;
-  canvas.height = height;
-  canvas.pixels.resize(size_t{3} * width * height);
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(&canvas.pixels[size_t{3} * width * y],
-                rgb + static_cast<ptrdiff_t>(stride) * y, size_t{3} * width);
-  }
-}
-
-void PaletteRunner::Observer::onPaletteRows(const int* counts, int rows,
-                                            int passCount) {
-  memberCounts.assign(counts, counts + rows);
-  passes = passCount;
-}
-
 PaletteRunner::PaletteRunner(int initWidth, int initHeight,
                              IMAGE_FORMAT_TYPE format, bool verbose)
-    : api_(fillTable()), verbose_(verbose) {
+    : api_(fillTable()),
+      initWidth_(initWidth),
+      initHeight_(initHeight),
+      verbose_(verbose) {
   // A host checks the slots it calls rather than jump through a null one.
   if (api_.setLogStatus == nullptr || api_.algoInitHandle == nullptr ||
       api_.singleProcessImage == nullptr || api_.releaseHandle == nullptr) {
@@ -110,28 +97,18 @@ PaletteRunner::PaletteRunner(int initWidth, int initHeight,
   // Verbose runs keep the entry points' own log lines as well.
   if (!verbose_) api_.setLogStatus(0);
   api_.algoInitHandle(&handle_, &init);
-  if (handle_ != nullptr) engine_ = static_cast<Pavona*>(handle_)->mPVHandle;
-  if (engine_ == nullptr) {
-    api_.releaseHandle(handle_, nullptr);
-    throw ToolError("the plug-in could not set up its engine for " +
-                    std::to_string(initWidth) + "x" +
-                    std::to_string(initHeight));
-  }
-  engine_->setObserver(&observer_);
 }
 
 PaletteRunner::~PaletteRunner() {
   LibraryOutput output(verbose_);
-  engine_->setObserver(nullptr);
   api_.releaseHandle(handle_, nullptr);
 }
 
-PaletteRun PaletteRunner::run(YuvFrame& frame, int colors, bool preview,
+PaletteRun PaletteRunner::run(YuvFrame& frame, int colors,
                               std::optional<unsigned> seed) {
   ProcessParamData param;
   std::memset(&param, 0, sizeof param);
   param.colorNum = colors;
-  param.showPalette = preview ? 1 : 0;
   // Rows the plug-in does not write stay NaN, which tells them apart.
   for (auto& row : param.palette) {
     for (float& value : row) value = std::numeric_limits<float>::quiet_NaN();
@@ -145,13 +122,28 @@ PaletteRun PaletteRunner::run(YuvFrame& frame, int colors, bool preview,
   image.yPlane = frame.yPlane();
   image.uvPlane = frame.uvPlane();
 
-  observer_.canvas = RgbImage();
-  observer_.memberCounts.clear();
-  observer_.passes = -1;
+  double pluginSeconds = 0;
   if (seed) std::srand(*seed);
   {
     LibraryOutput output(verbose_);
+    const auto start = std::chrono::steady_clock::now();
     api_.singleProcessImage(handle_, &image, &param, nullptr);
+    pluginSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
+            .count();
+  }
+  PavonaFrameInfo info;
+  std::memset(&info, 0, sizeof info);
+  info.size = sizeof info;
+  if (pavonaGetFrameInfo(handle_, &info) != 0 || info.status != 0) {
+    if (info.status == STATUS_ENGINE_SETUP_FAILED) {
+      throw ToolError("the plug-in could not set up its engine for " +
+                      std::to_string(initWidth_) + "x" +
+                      std::to_string(initHeight_));
+    }
+    throw ToolError("the plug-in wrote no palette (status " +
+                    std::to_string(info.status) +
+                    "; run with --verbose to see its log)");
   }
 
   PaletteRun result;
@@ -163,19 +155,13 @@ PaletteRun PaletteRunner::run(YuvFrame& frame, int colors, bool preview,
     colour.g = values[1];
     colour.b = values[2];
     colour.lightness = values[3];
-    if (static_cast<size_t>(row) < observer_.memberCounts.size()) {
-      colour.members = observer_.memberCounts[row];
-    }
+    if (row < info.rows) colour.members = info.members[row];
     result.colours.push_back(colour);
   }
-  if (result.colours.empty()) {
-    throw ToolError(
-        "the plug-in wrote no palette (run with --verbose to see its log)");
-  }
-  result.passes = observer_.passes;
-  result.workingWidth = engine_->m_downWidth;
-  result.workingHeight = engine_->m_downHeight;
-  result.preview = std::move(observer_.canvas);
+  result.pluginSeconds = pluginSeconds;
+  result.passes = info.passes;
+  result.workingWidth = info.workingWidth;
+  result.workingHeight = info.workingHeight;
   return result;
 }
 

@@ -1,7 +1,7 @@
 // Runs frames through the plug-in exactly as a camera host does: through
-// the entry-point table only, one handle for the whole run. An observer on
-// the engine adds what the host's record does not carry: the preview
-// canvas, cluster populations and the pass count.
+// the entry-point table only, one handle for the whole run. The
+// frame-information call adds what the host's record does not carry:
+// cluster populations, the pass count and the working size.
 #ifndef PAVONA_TOOLS_PAVONA_PALETTE_RUN_H_
 #define PAVONA_TOOLS_PAVONA_PALETTE_RUN_H_
 
@@ -9,9 +9,7 @@
 #include <vector>
 
 #include "api/pavona_host.h"
-#include "src/KImages.h"
 #include "tools/pavona/frame_report.h"
-#include "tools/pavona/rgb_image.h"
 #include "tools/pavona/yuv_frame.h"
 
 namespace pavona::tool {
@@ -24,15 +22,14 @@ struct PaletteRun {
   int passes = -1;
   int workingWidth = 0;
   int workingHeight = 0;
-  RgbImage preview;  // empty unless asked for
+  double pluginSeconds = 0;  // wall time inside singleProcessImage
 };
 
 class PaletteRunner {
  public:
   // Makes a handle for frames of `format`, sized for initWidth x
   // initHeight. The plug-in's console and Android log lines are kept off
-  // the tool's output, or sent to stderr with `verbose`. Throws ToolError
-  // when the plug-in cannot set up its engine.
+  // the tool's output, or sent to stderr with `verbose`.
   PaletteRunner(int initWidth, int initHeight, IMAGE_FORMAT_TYPE format,
                 bool verbose);
   ~PaletteRunner();
@@ -40,26 +37,15 @@ class PaletteRunner {
   PaletteRunner& operator=(const PaletteRunner&) = delete;
 
   // One frame with `colors` passed on unclamped. `seed` reseeds rand()
-  // first. Throws ToolError when the plug-in writes no palette row.
-  PaletteRun run(YuvFrame& frame, int colors, bool preview,
-                 std::optional<unsigned> seed);
+  // first. Throws ToolError when the plug-in writes no palette row, naming
+  // the status it gave the frame.
+  PaletteRun run(YuvFrame& frame, int colors, std::optional<unsigned> seed);
 
  private:
-  class Observer : public KImagesObserver {
-   public:
-    void onPaletteCanvas(const uint8_t* rgb, int width, int height,
-                         int stride) override;
-    void onPaletteRows(const int* memberCounts, int rows, int passes) override;
-
-    RgbImage canvas;
-    std::vector<int> memberCounts;
-    int passes = -1;
-  };
-
   PavonaApi api_{};
   void* handle_ = nullptr;
-  KImages* engine_ = nullptr;
-  Observer observer_;
+  int initWidth_;
+  int initHeight_;
   bool verbose_;
 };
 

@@ -13,6 +13,8 @@ class ProgressBar {
   ProgressBar(size_t total, bool enabled);
   // Shows that item `index` (from 0), called `name`, is being worked on.
   void show(size_t index, const std::string& name);
+  // Shows that `done` (0..1) of the work is done, then `label`.
+  void showPart(double done, const std::string& label);
   // Erases the bar so that other output starts on a clean line.
   void clear();
 

@@ -57,4 +57,26 @@ std::string formatText(const FrameReport& report, bool swatches) {
   return text;
 }
 
+std::string formatVideoText(const VideoSummary& summary) {
+  std::string text = printed(
+      "%s: %ld of %ld frames as %s %dx%d, working %dx%d, %d colours asked",
+      summary.file.c_str(), summary.analysed, summary.decoded,
+      formatName(summary.format), summary.width, summary.height,
+      summary.workingWidth, summary.workingHeight, summary.colorsRequested);
+  if (summary.smooth > 0) text += printed(", smoothed %g", summary.smooth);
+  text += "\n";
+  const std::vector<double>& flicker = summary.flicker;
+  text += printed("  flicker (dE00)    median %7.3f  p95 %7.3f  max %7.3f\n",
+                  percentile(flicker, 50), percentile(flicker, 95),
+                  percentile(flicker, 100));
+  const std::vector<double>& time = summary.pluginMs;
+  text += printed("  plug-in ms/frame  median %7.3f  p99 %7.3f  max %7.3f\n",
+                  percentile(time, 50), percentile(time, 99),
+                  percentile(time, 100));
+  if (!summary.timeline.empty()) {
+    text += "  timeline: " + summary.timeline + "\n";
+  }
+  return text;
+}
+
 }  // namespace pavona::tool

@@ -24,6 +24,10 @@ struct YuvFrame {
   uint8_t* uvPlane() {
     return bytes.data() + static_cast<size_t>(stride) * height;
   }
+  const uint8_t* yPlane() const { return bytes.data(); }
+  const uint8_t* uvPlane() const {
+    return bytes.data() + static_cast<size_t>(stride) * height;
+  }
 };
 
 // Bytes a sample takes in `format`: 2 for the 10-bit layout, else 1.

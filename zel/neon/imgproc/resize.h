@@ -11,33 +11,11 @@
 
 #include "base/export.h"
 #include "base/status.h"
+#include "zel/cpp/core/normaliseStride.h"
 #include "zel/neon/imgproc/resize_plane.h"
 #include "zel/types.h"
 
 namespace zel::neon::imgproc {
-
-namespace internal_resize_v00 {
-
-// How a plane given by the caller is walked from its lowest-addressed row:
-// the byte offset of that row from the caller's pointer and the positive
-// stride.
-struct PlaneWalk {
-  int32_t offset;
-  int32_t stride;
-};
-
-// A stride of 0 means packed rows of packedStride bytes; a negative stride
-// means rows at decreasing addresses. The offset (rows - 1) × stride is
-// formed in 32 bits.
-inline PlaneWalk planeWalk(int32_t stride, int32_t rows, int32_t packedStride) {
-  if (stride == 0) return {0, packedStride};
-  if (stride > 0) return {0, stride};
-  const uint32_t s = static_cast<uint32_t>(stride);
-  return {static_cast<int32_t>(static_cast<uint32_t>(rows - 1) * s),
-          static_cast<int32_t>(0u - s)};
-}
-
-}  // namespace internal_resize_v00
 
 // Resizes srcWidth × srcHeight to dstWidth × dstHeight (luma pixels; the
 // chroma plane has half of each). Strides are bytes from one row to the
@@ -56,8 +34,6 @@ PAVONA_EXPORT int32_t resize_v00(const TIn* srcY, const TIn* srcUV, TOut* dstY,
   static_assert(std::is_same_v<TIn, TOut>, "nearest neighbour only copies");
   static_assert(sizeof(TIn) == (format == YUV420SP_8BIT ? 1u : 2u),
                 "8-bit layouts hold bytes, 10-bit layouts 16-bit words");
-  using internal_resize_v00::planeWalk;
-  using internal_resize_v00::PlaneWalk;
   using Luma =
       internal_resize_v00::Resize_v00<TIn, 1, 1, mode, WorkType, shift, false>;
   using Chroma =
@@ -79,23 +55,28 @@ PAVONA_EXPORT int32_t resize_v00(const TIn* srcY, const TIn* srcUV, TOut* dstY,
       static_cast<uint32_t>(srcWidth) * static_cast<uint32_t>(sizeof(TIn)));
   const int32_t dstPacked = static_cast<int32_t>(
       static_cast<uint32_t>(dstWidth) * static_cast<uint32_t>(sizeof(TOut)));
-  const PlaneWalk sy = planeWalk(srcYStride, srcHeight, srcPacked);
-  const PlaneWalk suv = planeWalk(srcUVStride, srcHeight / 2, srcPacked);
-  const PlaneWalk dy = planeWalk(dstYStride, dstHeight, dstPacked);
-  const PlaneWalk duv = planeWalk(dstUVStride, dstHeight / 2, dstPacked);
-  srcY = reinterpret_cast<const TIn*>(reinterpret_cast<const uint8_t*>(srcY) +
-                                      sy.offset);
-  srcUV = reinterpret_cast<const TIn*>(reinterpret_cast<const uint8_t*>(srcUV) +
-                                       suv.offset);
-  dstY = reinterpret_cast<TOut*>(reinterpret_cast<uint8_t*>(dstY) + dy.offset);
-  dstUV =
-      reinterpret_cast<TOut*>(reinterpret_cast<uint8_t*>(dstUV) + duv.offset);
+  // Strides count bytes, so the planes are walked as bytes.
+  using cpp::normaliseStride;
+  using cpp::RowOffset;
+  auto sy = reinterpret_cast<const uint8_t*>(srcY);
+  auto suv = reinterpret_cast<const uint8_t*>(srcUV);
+  auto dy = reinterpret_cast<uint8_t*>(dstY);
+  auto duv = reinterpret_cast<uint8_t*>(dstUV);
+  normaliseStride<RowOffset::kWrap32>(sy, srcYStride, srcPacked, srcHeight);
+  normaliseStride<RowOffset::kWrap32>(suv, srcUVStride, srcPacked,
+                                      srcHeight / 2);
+  normaliseStride<RowOffset::kWrap32>(dy, dstYStride, dstPacked, dstHeight);
+  normaliseStride<RowOffset::kWrap32>(duv, dstUVStride, dstPacked,
+                                      dstHeight / 2);
 
-  const int32_t status = Luma::resize(srcY, dstY, srcWidth, srcHeight, dstWidth,
-                                      dstHeight, sy.stride, dy.stride);
+  const int32_t status = Luma::resize(
+      reinterpret_cast<const TIn*>(sy), reinterpret_cast<TOut*>(dy), srcWidth,
+      srcHeight, dstWidth, dstHeight, srcYStride, dstYStride);
   if (status != 0) return status;
-  return Chroma::resize(srcUV, dstUV, srcWidth >> 1, srcHeight >> 1,
-                        dstWidth >> 1, dstHeight >> 1, suv.stride, duv.stride);
+  return Chroma::resize(reinterpret_cast<const TIn*>(suv),
+                        reinterpret_cast<TOut*>(duv), srcWidth >> 1,
+                        srcHeight >> 1, dstWidth >> 1, dstHeight >> 1,
+                        srcUVStride, dstUVStride);
 }
 
 extern template int32_t
