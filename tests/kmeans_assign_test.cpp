@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -16,9 +17,15 @@
 
 namespace {
 
+using pavona::internal::assignBounded_C;
 using pavona::internal::assignNearest_C;
 using pavona::internal::assignNearest_NEON;
+using pavona::internal::BoundedAssignment;
+using pavona::internal::gapMargins;
+using pavona::internal::GapMargins;
 using pavona::internal::plainDistance;
+using pavona::internal::sampleBox_C;
+using pavona::internal::sampleBox_NEON;
 using pavona::internal::SamplePlanes;
 using pavona::internal::splitSamples_C;
 using pavona::internal::splitSamples_NEON;
@@ -252,6 +259,164 @@ TEST(KMeansAssign, SplitNeonMatchesScalarTwinAndWritesOnlyThePlanes) {
       ASSERT_EQ(bitsOf(s.g[j]), bitsOf(samples.samples[j].g)) << j;
       ASSERT_EQ(bitsOf(s.b[j]), bitsOf(samples.samples[j].b)) << j;
       ASSERT_EQ(bitsOf(s.r[j]), bitsOf(samples.samples[j].r)) << j;
+    }
+  }
+}
+
+// How the centres move between passes; each strains the bounds its way.
+enum class Motion {
+  kDampedMeans,  // the engine's update, from the full evaluation's labels
+  kConverge,     // halfway onto centre 0 each pass, until duplicates
+  kUlps,         // one float step up or down per channel
+  kNaNForAPass,  // one centre NaN on pass 3 only, then back
+};
+
+struct PassCase {
+  const char* name;
+  Motion motion;
+  int grids;
+  int passes;
+};
+
+const PassCase kPassCases[] = {
+    {"DampedMeans", Motion::kDampedMeans, 900, 40},
+    {"DampedMeansAllPasses", Motion::kDampedMeans, 6, 502},
+    {"Converge", Motion::kConverge, 500, 40},
+    {"Ulps", Motion::kUlps, 500, 30},
+    {"NaNForAPass", Motion::kNaNForAPass, 300, 8},
+};
+
+void move(Motion motion, int pass, const RandomCase& grid,
+          const std::vector<int>& labels, std::mt19937& random,
+          std::vector<_Point>& centres) {
+  const size_t k = centres.size();
+  std::vector<_Point> sum = centres;
+  std::vector<float> n(k, 1.0f);
+  for (size_t j = 0; j < labels.size(); ++j) {
+    _Point& s = sum[labels[j]];
+    s = {s.r + grid.samples[j].r, s.g + grid.samples[j].g,
+         s.b + grid.samples[j].b};
+    n[labels[j]] += 1.0f;
+  }
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  for (size_t i = 0; i < k; ++i) {
+    _Point& c = centres[i];
+    auto step = [&](float v) {
+      return std::nextafter(v, random() % 2 ? INFINITY : -INFINITY);
+    };
+    switch (motion) {
+      case Motion::kDampedMeans:
+        c = {sum[i].r / n[i], sum[i].g / n[i], sum[i].b / n[i]};
+        break;
+      case Motion::kConverge:
+        c = {c.r + (centres[0].r - c.r) * 0.5f,
+             c.g + (centres[0].g - c.g) * 0.5f,
+             c.b + (centres[0].b - c.b) * 0.5f};
+        break;
+      case Motion::kUlps:
+        c = {step(c.r), step(c.g), step(c.b)};
+        break;
+      case Motion::kNaNForAPass:
+        if (i == k / 2) c.g = pass == 2 ? nan : grid.centres[i].g;
+        break;
+    }
+  }
+}
+
+// Grids of every shape above; some of identical samples, some with pairs
+// of centres a whole step either side of a sample, which is then exactly
+// equidistant from both.
+RandomCase passGrid(std::mt19937& random, int grid) {
+  const int count = grid % 3 == 0 ? 1 + random() % 400 : 4 + random() % 64;
+  RandomCase c(random, count, 1 + random() % 24, grid % 7 == 3);
+  if (grid % 5 == 1)
+    std::fill(c.samples.begin(), c.samples.end(), c.samples[0]);
+  for (size_t i = 0; grid % 5 == 2 && i + 1 < c.centres.size(); i += 2) {
+    const _Point s = c.samples[random() % count];
+    const float d = float(1 + random() % 9);
+    c.centres[i] = {s.r + d, s.g, s.b - d};
+    c.centres[i + 1] = {s.r - d, s.g, s.b + d};
+  }
+  return c;
+}
+
+// Pass by pass: the engine's bounded assignment against the full
+// evaluation's labels, and against the scalar twin, driven alike, bit for
+// bit in labels and gaps. Counts the samples the twin carried.
+int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
+  RandomCase c = passGrid(random, grid);
+  const int count = static_cast<int>(c.samples.size());
+  const int k = static_cast<int>(c.centres.size());
+  std::vector<float> planes(3 * count);
+  Nearest neon(count);
+  Nearest twin(count);
+  const SamplePlanes split =
+      splitSamples_NEON(c.samples.data(), count, planes.data());
+  BoundedAssignment engine(split, count, neon.distance.data(),
+                           neon.label.data());
+  const auto box = sampleBox_C(c.samples.data(), count);
+  const auto neonBox = sampleBox_NEON(split, count);
+  const float twinCorners[] = {box.low.r,  box.low.g,  box.low.b,
+                               box.high.r, box.high.g, box.high.b};
+  const float neonCorners[] = {neonBox.low.r,  neonBox.low.g,  neonBox.low.b,
+                               neonBox.high.r, neonBox.high.g, neonBox.high.b};
+  for (int e = 0; e < 6; ++e) {
+    EXPECT_TRUE(twinCorners[e] == neonCorners[e] ||
+                (std::isnan(twinCorners[e]) && std::isnan(neonCorners[e])))
+        << "grid " << grid << " corner " << e;
+  }
+  std::vector<_Point> centres = c.centres;
+  std::vector<_Point> last;
+  bool held = false;
+  double drift = 0;
+  int carried = 0;
+  for (int pass = 0; pass < pc.passes; ++pass) {
+    const GapMargins m =
+        gapMargins(box, pass > 0 ? last.data() : centres.data(), centres.data(),
+                   k, held ? drift : 0);
+    const bool bounded =
+        m.usable && k <= 20 && (held || (pass > 0 && m.settled));
+    for (int j = 0; held && bounded && j < count / 4 * 4; ++j)
+      carried += twin.distance[j] > m.keep;
+    if (bounded) {
+      assignBounded_C(c.samples.data(), count, centres.data(), k, m, held,
+                      twin.distance.data(), twin.label.data());
+    } else {
+      twin = Nearest(count);
+      assignNearest_C(c.samples.data(), count, centres.data(), k,
+                      twin.distance.data(), twin.label.data());
+    }
+    held = bounded;
+    drift = m.drift;
+    last = centres;
+    engine.assign(centres.data(), k);
+    Nearest full(count);
+    assignNearest_C(c.samples.data(), count, centres.data(), k,
+                    full.distance.data(), full.label.data());
+    const auto where = [&] {
+      return std::string(pc.name) + " grid " + std::to_string(grid) + " pass " +
+             std::to_string(pass);
+    };
+    EXPECT_EQ(neon.label, full.label) << where();
+    EXPECT_EQ(twin.label, full.label) << where();
+    EXPECT_EQ(0, std::memcmp(neon.distance.data(), twin.distance.data(),
+                             count * sizeof(float)))
+        << where();
+    if (::testing::Test::HasFailure()) break;
+    move(pc.motion, pass, c, full.label, random, centres);
+  }
+  return carried;
+}
+
+TEST(KMeansAssignBounded, LabelsEqualTheFullEvaluationEveryPass) {
+  for (const PassCase& pc : kPassCases) {
+    std::mt19937 random(0xb0);
+    int carried = 0;
+    for (int grid = 0; grid < pc.grids && !HasFailure(); ++grid)
+      carried += checkPasses(pc, random, grid);
+    // The bounds must also be of use, not only safe.
+    if (pc.motion != Motion::kNaNForAPass) {
+      EXPECT_GT(carried, 0) << pc.name;
     }
   }
 }

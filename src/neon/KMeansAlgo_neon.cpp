@@ -176,7 +176,11 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       new float[4 * static_cast<std::size_t>(count)]);
   const pavona::internal::SamplePlanes planes =
       pavona::internal::splitSamples_NEON(points, count, floats.get());
-  float* const nearest = floats.get() + 3 * static_cast<std::size_t>(count);
+  // The assignment keeps its per-sample gaps where the nearest distances
+  // were, so bounding costs no memory.
+  pavona::internal::BoundedAssignment assignment(
+      planes, count, floats.get() + 3 * static_cast<std::size_t>(count),
+      labels.get());
   std::vector<_Point> centres(k > 0 ? k : 0);
   std::vector<ListSum> sums(k > 0 ? k : 0);
   // Without clusters no list takes the samples.
@@ -198,8 +202,7 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       // The starting centre counts as one member: the mean is damped.
       add(sums[i], &centres[i], &centres[i] + 1);
     }
-    pavona::internal::assignNearest_NEON(planes, count, centres.data(), k,
-                                         nearest, labels.get());
+    assignment.assign(centres.data(), k);
     addMembers(points, labels.get(), members, sums.data());
 
     float largestShift = FLT_MIN;

@@ -60,6 +60,85 @@ void assignNearest_NEON(SamplePlanes samples, int count, const _Point* centres,
 void assignNearest_C(const _Point* samples, int count, const _Point* centres,
                      int k, float* nearest, int* labels);
 
+// The bounded assignment: each body sample keeps a gap, a lower bound on
+// how much nearer its own centre is than any other, and only samples whose
+// gap cannot prove the label unchanged are evaluated again.
+
+// Centres the bounded assignment takes; larger k evaluates in full.
+constexpr int kMaxBoundedCentres = 20;
+
+// Smallest box holding every sample, or NaN corners when a sample is not
+// finite (then no pass can be bounded).
+struct SampleBox {
+  _Point low;
+  _Point high;
+};
+
+// For count >= 1, from the planes.
+SampleBox sampleBox_NEON(SamplePlanes samples, int count);
+
+// Plain loop; the oracle for the NEON version (equal, but for the sign of
+// a zero).
+SampleBox sampleBox_C(const _Point* samples, int count);
+
+// What one pass's bounds may use, from the box, the centres of this pass
+// and the last, and the drift so far.
+struct GapMargins {
+  // False when a centre is not finite or distances could reach kFar: the
+  // pass evaluates in full and its gaps prove nothing.
+  bool usable = false;
+  // The centres moved little this pass: gaps measured now should hold.
+  bool settled = false;
+  // The two largest centre shifts summed over the passes since the gaps
+  // were first measured, rounded up: no gap fell by more since then.
+  double drift = 0;
+  // A held gap above this keeps its sample's label.
+  float keep = 0;
+  // Added to a gap measured this pass.
+  float base = 0;
+};
+
+// Margins for a pass from centres `last` to `centres` after `drift`.
+GapMargins gapMargins(const SampleBox& box, const _Point* last,
+                      const _Point* centres, int k, double drift);
+
+// The assignment of assignNearest_NEON for 1 <= k <= kMaxBoundedCentres
+// and usable margins, writing gaps where it writes nearest (gaps and
+// distances for the count mod 4 tail, which is always evaluated). With
+// `held` the gaps and labels of the last pass are read first and a sample
+// whose gap is above margins.keep keeps its label and its gap.
+void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
+                        int k, const GapMargins& margins, bool held,
+                        float* gaps, int* labels);
+
+// Plain loop, sample for sample the same decisions; the oracle for the
+// NEON version.
+void assignBounded_C(const _Point* samples, int count, const _Point* centres,
+                     int k, const GapMargins& margins, bool held, float* gaps,
+                     int* labels);
+
+// One call's passes: the first evaluates in full; gaps are measured once
+// the centres settle and held while the margins allow.
+class BoundedAssignment {
+ public:
+  BoundedAssignment(SamplePlanes planes, int count, float* gaps, int* labels);
+  // Labels for the k centres of the next pass.
+  void assign(const _Point* centres, int k);
+
+ private:
+  SamplePlanes planes_;
+  int count_;
+  float* gaps_;
+  int* labels_;
+  SampleBox box_;
+  // last_ holds the centres of the last pass.
+  bool started_ = false;
+  // The gaps and labels left by the last pass hold for its centres.
+  bool held_ = false;
+  double drift_ = 0;
+  _Point last_[kMaxBoundedCentres];
+};
+
 }  // namespace pavona::internal
 
 #endif  // PAVONA_SRC_NEON_KMEANS_ASSIGN_H_
