@@ -11,7 +11,8 @@ endif()
 
 find_package(nlohmann_json REQUIRED)
 pavona_add_suite(tool_test tool_io_test.cpp tool_cli_test.cpp
-  tool_run_test.cpp tool_video_test.cpp tool_subprocess.cpp)
+  tool_run_test.cpp tool_video_test.cpp tool_subprocess.cpp
+  sample_palettes_test.cpp)
 target_link_libraries(tool_test PRIVATE pavona_tool_cli pavona_tracker
   nlohmann_json::nlohmann_json)
 add_dependencies(tool_test pavona_cli)
