@@ -23,6 +23,7 @@ namespace pavona::tool {
 namespace {
 
 using pavona::testing::runTool;
+using pavona::testing::runToolJson;
 using pavona::testing::ToolRun;
 using Colour = std::array<double, 3>;
 
@@ -71,14 +72,6 @@ Colour boosted(Colour c, double s) {
 Colour rowOf(const nlohmann::json& colour) {
   return {colour["r"].get<double>(), colour["g"].get<double>(),
           colour["b"].get<double>()};
-}
-
-nlohmann::json runJson(const std::vector<std::string>& args) {
-  std::vector<std::string> all = {"--json"};
-  all.insert(all.end(), args.begin(), args.end());
-  const ToolRun run = runTool(all);
-  EXPECT_EQ(run.status, 0) << run.err;
-  return nlohmann::json::parse(run.out);
 }
 
 bool hasLibraryChatter(const std::string& text) {
@@ -184,7 +177,7 @@ TEST(ToolPalette, CoffeeByDefaultGivesTheRecordedPalette) {
       {"#AF3207", 175.454941, 49.6035309, 7.32079315, 35.8383789, 3964},
       {"#D57635", 213.02359, 117.836037, 53.2508278, 52.2106705, 3779},
   };
-  const nlohmann::json json = runJson({sample("coffee.jpg")});
+  const nlohmann::json json = runToolJson({sample("coffee.jpg")});
   const auto& colours = json[0]["colors"];
   ASSERT_EQ(colours.size(), 4u);
   EXPECT_EQ(json[0]["passes"], 19);
@@ -210,7 +203,7 @@ TEST(ToolPalette, UniformPictureGivesOneRowOfItsBoostedColour) {
   const std::string path = scratch("uniform.png");
   const Colour colour = {200, 100, 50};
   writePng(path, solid(64, 48, colour));
-  const nlohmann::json nv21 = runJson({path});
+  const nlohmann::json nv21 = runToolJson({path});
   ASSERT_EQ(nv21[0]["rows"], 1);
   const auto& row = nv21[0]["colors"][0];
   const Colour expected = boosted(colour, 255);  // (212.5, 87.5, 25)
@@ -222,7 +215,7 @@ TEST(ToolPalette, UniformPictureGivesOneRowOfItsBoostedColour) {
 
   // The same picture as a 10-bit frame: rows in 10-bit units, boosted at
   // the plug-in's 10-bit scale of 1024, and the hex scaled back to 8 bits.
-  const nlohmann::json yuv10 = runJson({"--format", "yuv10", path});
+  const nlohmann::json yuv10 = runToolJson({"--format", "yuv10", path});
   ASSERT_EQ(yuv10[0]["rows"], 1);
   const auto& deep = yuv10[0]["colors"][0];
   const Colour deepExpected = boosted(
@@ -253,9 +246,9 @@ TEST(ToolPalette, RawFrameWithPaddedRowsMatchesThePicture) {
   const std::string rawPath = scratch("stripes.nv12");
   writeBytes(rawPath, raw);
 
-  nlohmann::json fromPicture = runJson({"--format", "nv12", picture});
-  nlohmann::json fromRaw =
-      runJson({"--raw", "nv12", "--size", "64x48", "--stride", "80", rawPath});
+  nlohmann::json fromPicture = runToolJson({"--format", "nv12", picture});
+  nlohmann::json fromRaw = runToolJson(
+      {"--raw", "nv12", "--size", "64x48", "--stride", "80", rawPath});
   EXPECT_EQ(fromRaw[0]["frame"]["stride"], 80);
   EXPECT_EQ(fromRaw[0]["colors"], fromPicture[0]["colors"]);
 }
@@ -272,7 +265,7 @@ TEST(ToolPalette, SeedMakesRandomlySeededRunsRepeatable) {
   const ToolRun first = runTool(args);
   ASSERT_EQ(first.status, 0);
   EXPECT_EQ(first.out, runTool(args).out);
-  const nlohmann::json json = runJson(args);
+  const nlohmann::json json = runToolJson(args);
   EXPECT_EQ(json[0]["colors"], json[1]["colors"]);
   EXPECT_EQ(json[0]["seed"], 42);
   // The text lists the rows the JSON carries.
@@ -284,8 +277,8 @@ TEST(ToolPalette, SeedMakesRandomlySeededRunsRepeatable) {
 
 TEST(ToolPreview, NumberedPicturesAboveSwatchesAsWideAsTheirShares) {
   const std::string base = scratch("many.png");
-  const nlohmann::json json =
-      runJson({"--preview", base, sample("coffee.jpg"), sample("chelsea.jpg")});
+  const nlohmann::json json = runToolJson(
+      {"--preview", base, sample("coffee.jpg"), sample("chelsea.jpg")});
   const std::string stem = base.substr(0, base.size() - 4);
   EXPECT_EQ(json[1]["preview"], stem + "-2.png");
   EXPECT_EQ(json[0]["preview"], stem + "-1.png");
