@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -60,41 +58,32 @@ Rgb frameToRgb(YuvFrame& frame, int x, int y) {
                      uFirst ? c1 : c0, bits);
 }
 
+RgbImage uniform(int width, int height, Rgb colour) {
+  RgbImage image{width, height, {}};
+  for (int i = 0; i < width * height; ++i) {
+    for (int c : colour) image.pixels.push_back(static_cast<uint8_t>(c));
+  }
+  return image;
+}
+
 // 4096 colours (every channel on a lattice of step 17), each filling one
 // 2x2 block, so that a block's shared chroma belongs to one colour.
 RgbImage latticeOfBlocks() {
-  RgbImage image;
-  image.width = 128;
-  image.height = 128;
-  image.pixels.resize(size_t{3} * 128 * 128);
-  int index = 0;
-  for (int by = 0; by < 64; ++by) {
-    for (int bx = 0; bx < 64; ++bx, ++index) {
-      const Rgb colour = {index / 256 * 17, index / 16 % 16 * 17,
-                          index % 16 * 17};
-      for (int dy = 0; dy < 2; ++dy) {
-        for (int dx = 0; dx < 2; ++dx) {
-          uint8_t* p = &image.pixels[3 * ((2 * by + dy) * 128 + (2 * bx + dx))];
-          for (int c = 0; c < 3; ++c) p[c] = static_cast<uint8_t>(colour[c]);
-        }
-      }
+  RgbImage image = uniform(128, 128, {0, 0, 0});
+  for (int y = 0; y < 128; ++y) {
+    for (int x = 0; x < 128; ++x) {
+      const int index = y / 2 * 64 + x / 2;
+      uint8_t* p = &image.pixels[3 * (y * 128 + x)];
+      p[0] = static_cast<uint8_t>(index / 256 * 17);
+      p[1] = static_cast<uint8_t>(index / 16 % 16 * 17);
+      p[2] = static_cast<uint8_t>(index % 16 * 17);
     }
   }
   return image;
 }
 
-RgbImage uniform(int width, int height, Rgb colour) {
-  RgbImage image;
-  image.width = width;
-  image.height = height;
-  for (int i = 0; i < width * height; ++i) {
-    for (int c = 0; c < 3; ++c) {
-      image.pixels.push_back(static_cast<uint8_t>(colour[c]));
-    }
-  }
-  return image;
-}
-
+// NV12 and NV21 decode with their own chroma order, so a swapped pair
+// fails here too.
 class RoundTrip : public ::testing::TestWithParam<IMAGE_FORMAT_TYPE> {};
 
 TEST_P(RoundTrip, EveryLatticeColourComesBackWithinOneStep) {
@@ -125,13 +114,11 @@ INSTANTIATE_TEST_SUITE_P(Formats, RoundTrip,
 
 TEST(RgbToSemiPlanar, GreysAreExactWithNeutralChroma) {
   for (int grey = 0; grey <= 255; grey += 15) {
-    YuvFrame nv21 =
-        rgbToSemiPlanar(uniform(2, 2, {grey, grey, grey}), IMAGE_FORMAT_NV21);
-    EXPECT_EQ(nv21.bytes,
-              std::vector<uint8_t>({uint8_t(grey), uint8_t(grey), uint8_t(grey),
-                                    uint8_t(grey), 128, 128}));
-    YuvFrame tenBit = rgbToSemiPlanar(uniform(2, 2, {grey, grey, grey}),
-                                      IMAGE_FORMAT_YUV420SP_10BIT);
+    const RgbImage image = uniform(2, 2, {grey, grey, grey});
+    const uint8_t g = static_cast<uint8_t>(grey);
+    EXPECT_EQ(rgbToSemiPlanar(image, IMAGE_FORMAT_NV21).bytes,
+              std::vector<uint8_t>({g, g, g, g, 128, 128}));
+    YuvFrame tenBit = rgbToSemiPlanar(image, IMAGE_FORMAT_YUV420SP_10BIT);
     // 1023 / 255 = 4.0118: grey 255 gives 1023, grey 15 gives 60.18 -> 60.
     const int expected = static_cast<int>(grey * 1023.0 / 255.0 + 0.5);
     EXPECT_EQ(sampleAt(tenBit, tenBit.yPlane(), 1, 1), expected);
@@ -140,19 +127,7 @@ TEST(RgbToSemiPlanar, GreysAreExactWithNeutralChroma) {
   }
 }
 
-TEST(RgbToSemiPlanar, ChromaOrderFollowsTheFormat) {
-  // Red has V far above 128 and U below it.
-  YuvFrame nv21 =
-      rgbToSemiPlanar(uniform(2, 2, {255, 0, 0}), IMAGE_FORMAT_NV21);
-  YuvFrame nv12 =
-      rgbToSemiPlanar(uniform(2, 2, {255, 0, 0}), IMAGE_FORMAT_NV12);
-  EXPECT_GT(nv21.uvPlane()[0], 200);
-  EXPECT_LT(nv21.uvPlane()[1], 128);
-  EXPECT_EQ(nv12.uvPlane()[0], nv21.uvPlane()[1]);
-  EXPECT_EQ(nv12.uvPlane()[1], nv21.uvPlane()[0]);
-}
-
-TEST(RgbToSemiPlanar, ChromaIsTheMeanOfTheBlock) {
+TEST(RgbToSemiPlanar, LumaIsPerPixelAndChromaTheMeanOfTheBlock) {
   // The conversion is linear, so the mean chroma of a block split between
   // two colours is the chroma of their mean colour.
   const Rgb a = {200, 40, 10}, b = {20, 100, 250}, mean = {110, 70, 130};
@@ -165,10 +140,9 @@ TEST(RgbToSemiPlanar, ChromaIsTheMeanOfTheBlock) {
   YuvFrame ofB = rgbToSemiPlanar(uniform(2, 2, b), IMAGE_FORMAT_NV21);
   EXPECT_EQ(mixed.uvPlane()[0], ofMean.uvPlane()[0]);
   EXPECT_EQ(mixed.uvPlane()[1], ofMean.uvPlane()[1]);
-  EXPECT_EQ(mixed.yPlane()[0], ofA.yPlane()[0]);
-  EXPECT_EQ(mixed.yPlane()[1], ofB.yPlane()[0]);
-  EXPECT_EQ(mixed.yPlane()[2], ofA.yPlane()[0]);
-  EXPECT_EQ(mixed.yPlane()[3], ofB.yPlane()[0]);
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(mixed.yPlane()[i], (i % 2 ? ofB : ofA).yPlane()[0]) << i;
+  }
 }
 
 TEST(RgbToSemiPlanar, OddSizesAreCroppedToEven) {
@@ -185,21 +159,10 @@ TEST(RgbToSemiPlanar, OddSizesAreCroppedToEven) {
       ToolError);
 }
 
-class TempFile {
- public:
-  explicit TempFile(const char* suffix)
-      : path_(::testing::TempDir() + "pavona_tool_io_" +
-              ::testing::UnitTest::GetInstance()->current_test_info()->name() +
-              suffix) {}
-  ~TempFile() { std::remove(path_.c_str()); }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
-std::vector<uint8_t> sample(const char* name) {
-  return readFileBytes(std::string(PAVONA_SAMPLES_DIR) + "/" + name);
+std::string scratch(const char* suffix) {
+  return ::testing::TempDir() + "pavona_tool_io_" +
+         ::testing::UnitTest::GetInstance()->current_test_info()->name() +
+         suffix;
 }
 
 std::string decodeError(const std::vector<uint8_t>& bytes) {
@@ -211,40 +174,33 @@ std::string decodeError(const std::vector<uint8_t>& bytes) {
   return "(decoded)";
 }
 
-TEST(Decode, PngWrittenAndReadBackIsIdentical) {
+TEST(Decode, PngRoundTripsAndJpegSamplesHaveTheirSizes) {
   RgbImage image = latticeOfBlocks();
-  image.height = 6;  // odd-looking but valid: the first six rows
-  image.width = 128;
+  image.height = 6;  // the first six rows
   image.pixels.resize(size_t{3} * 128 * 6);
-  TempFile file(".png");
-  writePng(file.path(), image);
-  const std::vector<uint8_t> bytes = readFileBytes(file.path());
+  writePng(scratch(".png"), image);
+  const std::vector<uint8_t> bytes = readFileBytes(scratch(".png"));
   const RgbImage back = decodeImage(bytes.data(), bytes.size());
   EXPECT_EQ(back.width, 128);
   EXPECT_EQ(back.height, 6);
   EXPECT_EQ(back.pixels, image.pixels);
-}
 
-TEST(Decode, BundledJpegSamplesHaveTheirSizes) {
-  const std::vector<uint8_t> coffee = sample("coffee.jpg");
-  const RgbImage image = decodeImage(coffee.data(), coffee.size());
-  EXPECT_EQ(image.width, 600);
-  EXPECT_EQ(image.height, 400);
-  EXPECT_EQ(image.pixels.size(), size_t{600} * 400 * 3);
-  const std::vector<uint8_t> chelsea = sample("chelsea.jpg");
-  EXPECT_EQ(decodeImage(chelsea.data(), chelsea.size()).width, 451);
+  const std::vector<uint8_t> coffee =
+      readFileBytes(PAVONA_SAMPLES_DIR "/coffee.jpg");
+  const RgbImage jpeg = decodeImage(coffee.data(), coffee.size());
+  EXPECT_EQ(jpeg.width, 600);
+  EXPECT_EQ(jpeg.height, 400);
+  EXPECT_EQ(jpeg.pixels.size(), size_t{600} * 400 * 3);
 }
 
 TEST(Decode, TruncatedOrForeignDataIsRefusedWithAReason) {
-  std::vector<uint8_t> jpeg = sample("rocket.jpg");
+  std::vector<uint8_t> jpeg = readFileBytes(PAVONA_SAMPLES_DIR "/rocket.jpg");
   jpeg.resize(jpeg.size() / 2);
   EXPECT_NE(decodeError(jpeg).find("bad JPEG"), std::string::npos)
       << decodeError(jpeg);
 
-  RgbImage image = uniform(64, 64, {10, 200, 30});
-  TempFile file(".png");
-  writePng(file.path(), image);
-  std::vector<uint8_t> png = readFileBytes(file.path());
+  writePng(scratch(".png"), uniform(64, 64, {10, 200, 30}));
+  std::vector<uint8_t> png = readFileBytes(scratch(".png"));
   png.resize(png.size() - 20);
   EXPECT_NE(decodeError(png).find("bad PNG"), std::string::npos)
       << decodeError(png);
@@ -253,15 +209,6 @@ TEST(Decode, TruncatedOrForeignDataIsRefusedWithAReason) {
   const std::string text = "P6 not a supported picture";
   EXPECT_NE(decodeError({text.begin(), text.end()}).find("not a PNG or JPEG"),
             std::string::npos);
-}
-
-TEST(Decode, MissingFileAndUnwritablePathReportTheSystemReason) {
-  try {
-    readFileBytes("/nonexistent/pavona.png");
-    FAIL() << "read a missing file";
-  } catch (const ToolError& error) {
-    EXPECT_STREQ(error.what(), "No such file or directory");
-  }
   EXPECT_THROW(writePng("/nonexistent/dir/out.png", uniform(2, 2, {1, 2, 3})),
                ToolError);
 }
@@ -273,34 +220,24 @@ TEST(RawFrame, SizeCountsStrideAndSampleWidth) {
   EXPECT_EQ(rawFrameBytes({IMAGE_FORMAT_YUV420SP_10BIT, 640, 480, 0}), 921600);
 }
 
-TEST(RawFrame, ShortDataIsRefusedAndLongDataNoted) {
-  const RawLayout layout = {IMAGE_FORMAT_NV21, 4, 2, 0};
-  try {
-    rawFrameFromBytes(std::vector<uint8_t>(11), layout, nullptr);
-    FAIL() << "accepted 11 bytes for a 12-byte frame";
-  } catch (const ToolError& error) {
-    EXPECT_STREQ(error.what(),
-                 "11 bytes, but a 4x2 nv21 frame with stride 4 needs 12");
-  }
+TEST(RawFrame, LongDataIsNotedAndTenBitWordsAreLittleEndian) {
   std::string note;
-  YuvFrame frame = rawFrameFromBytes(std::vector<uint8_t>(14), layout, &note);
+  YuvFrame frame = rawFrameFromBytes(std::vector<uint8_t>(14),
+                                     {IMAGE_FORMAT_NV21, 4, 2, 0}, &note);
   EXPECT_EQ(note,
             "2 bytes more than a 4x2 nv21 frame with stride 4; the rest is "
             "ignored");
   EXPECT_EQ(frame.stride, 4);
-}
 
-TEST(RawFrame, TenBitWordsAreLittleEndian) {
   std::vector<uint8_t> bytes(12, 0);
   bytes[0] = 0xFF;  // first luma word: 0x03FF = 1023
   bytes[1] = 0x03;
-  bytes[8] = 0x00;  // first chroma word (U): 0x0200 = 512
-  bytes[9] = 0x02;
-  YuvFrame frame =
+  bytes[9] = 0x02;  // first chroma word (U): 0x0200 = 512
+  YuvFrame deep =
       rawFrameFromBytes(bytes, {IMAGE_FORMAT_YUV420SP_10BIT, 2, 2, 0}, nullptr);
-  EXPECT_EQ(sampleAt(frame, frame.yPlane(), 0, 0), 1023);
-  EXPECT_EQ(sampleAt(frame, frame.uvPlane(), 0, 0), 512);
-  EXPECT_EQ(frame.stride, 4);
+  EXPECT_EQ(sampleAt(deep, deep.yPlane(), 0, 0), 1023);
+  EXPECT_EQ(sampleAt(deep, deep.uvPlane(), 0, 0), 512);
+  EXPECT_EQ(deep.stride, 4);
 }
 
 }  // namespace

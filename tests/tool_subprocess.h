@@ -2,6 +2,7 @@
 #ifndef PAVONA_TESTS_TOOL_SUBPROCESS_H_
 #define PAVONA_TESTS_TOOL_SUBPROCESS_H_
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,11 @@ struct ToolRun {
 };
 
 // Runs PAVONA_TOOL_PATH with `args`, stdout and stderr each captured to a
-// file (so neither is a terminal), and `environment` entries ("NAME=value")
-// added to the inherited environment.
-ToolRun runTool(const std::vector<std::string>& args,
-                const std::vector<std::string>& environment = {});
+// file, so neither is a terminal.
+ToolRun runTool(const std::vector<std::string>& args);
+
+// The tool's --json output for `args`; a failed run is a test failure.
+nlohmann::json runToolJson(std::vector<std::string> args);
 
 }  // namespace pavona::testing
 

@@ -17,6 +17,7 @@ namespace pavona::tool {
 namespace {
 
 using pavona::testing::runTool;
+using pavona::testing::runToolJson;
 using pavona::testing::ToolRun;
 
 // Encodes `sources` (gst-launch syntax, each ending in "! c.") into a
@@ -36,13 +37,6 @@ std::string source(const char* pattern, int frames) {
          " ! video/x-raw,width=128,height=96,framerate=10/1 ! c. ";
 }
 
-nlohmann::json runJson(std::vector<std::string> args) {
-  args.insert(args.begin(), "--json");
-  const ToolRun run = runTool(args);
-  EXPECT_EQ(run.status, 0) << run.err;
-  return nlohmann::json::parse(run.out);
-}
-
 tracker::Lab labOf(const nlohmann::json& colour) {
   return tracker::labFromRgb(
       {colour["r"].get<double>(), colour["g"].get<double>(),
@@ -53,7 +47,7 @@ tracker::Lab labOf(const nlohmann::json& colour) {
 TEST(ToolVideo, EveryDecodedFrameGoesThroughTheTable) {
   const std::string clip = makeClip("bars.webm", source("smpte", 10));
   if (clip.empty()) GTEST_SKIP() << "GStreamer cannot encode a VP8 clip here";
-  const nlohmann::json frames = runJson({clip});
+  const nlohmann::json frames = runToolJson({clip});
   ASSERT_EQ(frames.size(), 10u);
   for (size_t i = 0; i < frames.size(); ++i) {
     const nlohmann::json& frame = frames[i];
@@ -72,13 +66,13 @@ TEST(ToolVideo, EveryDecodedFrameGoesThroughTheTable) {
         << frame["flicker"];
   }
   const nlohmann::json picked =
-      runJson({"--every", "3", "--max-frames", "3", clip});
+      runToolJson({"--every", "3", "--max-frames", "3", clip});
   ASSERT_EQ(picked.size(), 3u);
   EXPECT_EQ(picked[2]["index"], 6);
 
   // --seed reseeds rand() before every frame, so k = 5 repeats itself.
-  const nlohmann::json first = runJson({"-k", "5", "--seed", "9", clip});
-  const nlohmann::json second = runJson({"-k", "5", "--seed", "9", clip});
+  const nlohmann::json first = runToolJson({"-k", "5", "--seed", "9", clip});
+  const nlohmann::json second = runToolJson({"-k", "5", "--seed", "9", clip});
   for (size_t i = 0; i < first.size(); ++i) {
     EXPECT_EQ(first[i]["colors"], second[i]["colors"]) << i;
   }
@@ -88,7 +82,7 @@ TEST(ToolVideo, FlickerIsTheColourJumpAtACut) {
   const std::string clip =
       makeClip("cut.webm", source("red", 5) + source("blue", 5));
   if (clip.empty()) GTEST_SKIP() << "GStreamer cannot encode a VP8 clip here";
-  const nlohmann::json frames = runJson({clip});
+  const nlohmann::json frames = runToolJson({clip});
   ASSERT_EQ(frames.size(), 10u);
   // One colour a frame, so the flicker at the cut is the distance between
   // the two rows, with the weights of the whole frame.
@@ -118,12 +112,10 @@ TEST(ToolVideo, FlickerIsTheColourJumpAtACut) {
   EXPECT_EQ(picture.width, 10 * kTimelineColumnWidth);
   // Mid-height is inside the bands: each column shows its frame's colour.
   for (int column : {0, 9}) {
-    const uint8_t* pixel =
-        &picture.pixels[3 * ((picture.height / 2) * picture.width +
-                             column * kTimelineColumnWidth)];
+    const uint8_t* p = &picture.pixels[3 * (picture.height / 2 * picture.width +
+                                            column * kTimelineColumnWidth)];
     char hex[8];
-    std::snprintf(hex, sizeof hex, "#%02X%02X%02X", pixel[0], pixel[1],
-                  pixel[2]);
+    std::snprintf(hex, sizeof hex, "#%02X%02X%02X", p[0], p[1], p[2]);
     EXPECT_EQ(hex, frames[column]["colors"][0]["hex"]) << column;
   }
 }
