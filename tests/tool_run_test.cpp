@@ -253,28 +253,6 @@ TEST(ToolPalette, RawFrameWithPaddedRowsMatchesThePicture) {
   EXPECT_EQ(fromRaw[0]["colors"], fromPicture[0]["colors"]);
 }
 
-TEST(ToolPalette, SeedMakesRandomlySeededRunsRepeatable) {
-  // k = 5 seeds k-means from rand(); the tool reseeds before every frame,
-  // so the same file twice in one run gives the same block twice as well.
-  const std::vector<std::string> args = {"--seed",
-                                         "42",
-                                         "--colors",
-                                         "5",
-                                         sample("rocket.jpg"),
-                                         sample("rocket.jpg")};
-  const ToolRun first = runTool(args);
-  ASSERT_EQ(first.status, 0);
-  EXPECT_EQ(first.out, runTool(args).out);
-  const nlohmann::json json = runToolJson(args);
-  EXPECT_EQ(json[0]["colors"], json[1]["colors"]);
-  EXPECT_EQ(json[0]["seed"], 42);
-  // The text lists the rows the JSON carries.
-  for (const auto& colour : json[0]["colors"]) {
-    EXPECT_NE(first.out.find(colour["hex"].get<std::string>()),
-              std::string::npos);
-  }
-}
-
 TEST(ToolPreview, NumberedPicturesAboveSwatchesAsWideAsTheirShares) {
   const std::string base = scratch("many.png");
   const nlohmann::json json = runToolJson(
