@@ -17,7 +17,8 @@ int main(int argc, char** argv) {
   if (std::strcmp(argv[1], "sample") == 0) {
     int width = 0;
     int height = 0;
-    if (argc < 5 || std::sscanf(argv[4], "%dx%d", &width, &height) != 2) {
+    if (argc < 5 || std::sscanf(argv[4], "%dx%d", &width, &height) != 2 ||
+        width < 2 || height < 2) {
       std::fprintf(stderr, "usage: %s sample K FRAME WxH\n", argv[0]);
       return 2;
     }
