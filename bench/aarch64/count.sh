@@ -11,8 +11,15 @@ bench/aarch64/sysroot.sh "$sysroot"
 cmake --preset bench-aarch64 >/dev/null
 cmake --build --preset bench-aarch64 --target pavona_count_guest
 [[ -f build/release/CMakeCache.txt ]] || cmake --preset release >/dev/null
-cmake --build --preset release --target pavona_insn_count
+cmake --build --preset release --target pavona_insn_count pavona_sample_frames
 plugin=$PWD/build/release/bench/aarch64/libpavona_insn_count.so
+# The bundled photographs as raw NV21 frames, converted natively as the
+# pavona tool converts them (the guest has no JPEG decoder): one
+# "NAME WxH" line each in samples/sizes.
+rm -rf "$build/samples"
+mkdir -p "$build/samples"
+build/release/bench/aarch64/pavona_sample_frames "$build/samples" \
+  samples/*.jpg >"$build/samples/sizes"
 
 # The dynamic loader comes from the cross toolchain; -L alone does not
 # carry the library path through to the guest. Relative to $build.
@@ -48,6 +55,15 @@ for k in 3 8 20; do
     "select_k$k pavona select $k" "preview_k$k pavona preview $k"
     "kmeans_opencv_k$k opencv kmeans $k")
 done
+samples=()
+while read -r name size; do
+  samples+=("$name $size")
+  for k in 4 8 20; do
+    for run in sample again; do
+      jobs+=("${run}_${name}_k$k sample $k samples/$name.nv21 $size")
+    done
+  done
+done <"$build/samples/sizes"
 rm -rf "$out"
 mkdir -p "$out"
 failed=0
@@ -67,6 +83,11 @@ passes() { sed -n 's/^passes //p' "$out/$1.out"; }
 agree=yes
 for k in 4 8 20; do
   cmp -s "$out/frame_k$k.txt" "$out/again_k$k.txt" || agree="NO (k = $k differs)"
+  for sample in "${samples[@]}"; do
+    name=${sample%% *}
+    cmp -s "$out/sample_${name}_k$k.txt" "$out/again_${name}_k$k.txt" ||
+      agree="NO ($name.jpg, k = $k differs)"
+  done
 done
 
 # Columns: stage, k, ours, ours' min - max, peer, peer's count, floor.
@@ -99,12 +120,19 @@ ours "Whole frame through the table, mean of $frames frames" 3 frame_k3 \
 ours "" 4 frame_k4
 ours "" 8 frame_k8 "OpenCV whole-frame pipeline" frame_opencv_k8
 ours "" 20 frame_k20
+for sample in "${samples[@]}"; do
+  read -r name size <<<"$sample"
+  ours "Whole frame through the table: $name.jpg, $size, mean of $frames frames" \
+    4 "sample_${name}_k4"
+  for k in 8 20; do ours "" $k "sample_${name}_k$k"; done
+done
 
 cat <<HEAD
 AArch64 instructions executed under qemu-aarch64 $(qemu-aarch64 --version |
   sed -n 's/.*version \([^ ]*\).*/\1/p') -cpu $cpu, counted by our TCG plugin;
 one thread; the 4000x3000 NV21 photo frame of make bench and its working
-points. Ours: GCC $(aarch64-linux-gnu-gcc -dumpfullversion) -O3, the peers as Debian ships them for arm64
+points, and the bundled photographs as the pavona tool hands them over: at
+their own sizes, to a handle set up for 4000x3000. Ours: GCC $(aarch64-linux-gnu-gcc -dumpfullversion) -O3, the peers as Debian ships them for arm64
 ($(cat "$sysroot/versions")).
 Stages: mean of $(grep -c ': [0-9]' "$out/resize.txt") repeats after a warm-up. Floor: one sweep summing the
 k-means lists' points in list order into k sums, times our passes. Lower
@@ -121,6 +149,7 @@ printf '%s\n' "${rows[@]}" | awk -F'\t' '
   { printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s |\n", $1, $2, n($3), $4, $5,
       n($6), r($3, $6), n($7), r($3, $7) }'
 echo
-echo "Two runs of the whole frame agree to the instruction for k = 4, 8, 20: $agree"
+echo "Two runs of the whole frame, the photo frame's and each bundled"
+echo "photograph's, agree to the instruction for k = 4, 8, 20: $agree"
 echo "Counted in $((SECONDS - start)) s."
 [[ $agree == yes ]]

@@ -36,6 +36,9 @@ std::vector<_Point> workingPoints();
 // "floor" sums the points of the k-means lists once; "frame" is the whole
 // frame through the entry table.
 void countPavona(const char* what, int k);
+// A bundled photograph's raw NV21 frame (packed rows) at `path`, whole
+// through the entry table as the pavona tool runs it.
+void countSample(const char* path, int width, int height, int k);
 // libyuv: "resize", "convert".
 void countLibyuv(const char* what, int k);
 // OpenCV: "resize", "convert", "kmeans", "frame".
