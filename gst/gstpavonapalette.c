@@ -44,17 +44,6 @@ G_DEFINE_TYPE(GstPavonaPalette, gst_pavona_palette, GST_TYPE_VIDEO_FILTER);
 GST_ELEMENT_REGISTER_DEFINE(pavonapalette, "pavonapalette", GST_RANK_NONE,
                             GST_TYPE_PAVONA_PALETTE);
 
-/* What one frame is analysed with: the properties as they were when it
- * arrived. */
-typedef struct Settings {
-  gint colors;
-  guint interval;
-  gboolean post_messages;
-  gboolean draw;
-  gint seed;
-  gdouble smooth;
-} Settings;
-
 /* The handle and the tracker both follow one stream. */
 static void release_handle(GstPavonaPalette* self) {
   if (self->handle != NULL) {
@@ -119,7 +108,8 @@ static gboolean gst_pavona_palette_set_info(GstVideoFilter* filter,
 /* Runs the plug-in on `frame` and returns the frame's status from
  * pavonaGetFrameInfo; `palette` is filled when it is 0. */
 static int32_t analyse(GstPavonaPalette* self, const GstVideoFrame* frame,
-                       const Settings* settings, PavonaPalette* palette) {
+                       const PavonaPaletteSettings* settings,
+                       PavonaPalette* palette) {
   Image image;
   pavona_frame_record_fill(&image, frame, &self->scratch);
   ProcessParamData param = {0};
@@ -177,7 +167,8 @@ static void smooth_palette(GstPavonaPalette* self, gdouble weight,
 
 /* Everything done with an analysed frame's palette. */
 static void publish(GstPavonaPalette* self, GstVideoFrame* frame,
-                    const Settings* settings, const PavonaPalette* palette) {
+                    const PavonaPaletteSettings* settings,
+                    const PavonaPalette* palette) {
   /* The frame is writable only when it was mapped out of passthrough. */
   if (settings->draw && (frame->map[0].flags & GST_MAP_WRITE)) {
     pavona_palette_band_draw(frame, palette);
@@ -188,14 +179,9 @@ static void publish(GstPavonaPalette* self, GstVideoFrame* frame,
 static GstFlowReturn gst_pavona_palette_transform_frame_ip(
     GstVideoFilter* filter, GstVideoFrame* frame) {
   GstPavonaPalette* self = GST_PAVONA_PALETTE(filter);
-  Settings settings;
+  PavonaPaletteSettings settings;
   GST_OBJECT_LOCK(self);
-  settings.colors = self->colors;
-  settings.interval = self->interval;
-  settings.post_messages = self->post_messages;
-  settings.draw = self->draw;
-  settings.seed = self->seed;
-  settings.smooth = self->smooth;
+  settings = self->props;
   GST_OBJECT_UNLOCK(self);
 
   if (self->frames++ % settings.interval != 0) return GST_FLOW_OK;
@@ -238,28 +224,28 @@ static void gst_pavona_palette_set_property(GObject* object, guint prop_id,
   GST_OBJECT_LOCK(self);
   switch (prop_id) {
     case PROP_COLORS:
-      self->colors = g_value_get_int(value);
+      self->props.colors = g_value_get_int(value);
       break;
     case PROP_INTERVAL:
-      self->interval = g_value_get_uint(value);
+      self->props.interval = g_value_get_uint(value);
       break;
     case PROP_POST_MESSAGES:
-      self->post_messages = g_value_get_boolean(value);
+      self->props.post_messages = g_value_get_boolean(value);
       break;
     case PROP_DRAW:
-      self->draw = g_value_get_boolean(value);
+      self->props.draw = g_value_get_boolean(value);
       break;
     case PROP_SEED:
-      self->seed = g_value_get_int(value);
+      self->props.seed = g_value_get_int(value);
       break;
     case PROP_SMOOTH:
-      self->smooth = g_value_get_double(value);
+      self->props.smooth = g_value_get_double(value);
       break;
     default:
       G_OBJECT_WARN_INVALID_PROPERTY_ID(object, prop_id, pspec);
       break;
   }
-  const gboolean passthrough = !self->draw;
+  const gboolean passthrough = !self->props.draw;
   GST_OBJECT_UNLOCK(self);
   /* Drawing needs a writable buffer; reading alone never copies one. */
   if (prop_id == PROP_DRAW) {
@@ -273,22 +259,22 @@ static void gst_pavona_palette_get_property(GObject* object, guint prop_id,
   GST_OBJECT_LOCK(self);
   switch (prop_id) {
     case PROP_COLORS:
-      g_value_set_int(value, self->colors);
+      g_value_set_int(value, self->props.colors);
       break;
     case PROP_INTERVAL:
-      g_value_set_uint(value, self->interval);
+      g_value_set_uint(value, self->props.interval);
       break;
     case PROP_POST_MESSAGES:
-      g_value_set_boolean(value, self->post_messages);
+      g_value_set_boolean(value, self->props.post_messages);
       break;
     case PROP_DRAW:
-      g_value_set_boolean(value, self->draw);
+      g_value_set_boolean(value, self->props.draw);
       break;
     case PROP_SEED:
-      g_value_set_int(value, self->seed);
+      g_value_set_int(value, self->props.seed);
       break;
     case PROP_SMOOTH:
-      g_value_set_double(value, self->smooth);
+      g_value_set_double(value, self->props.smooth);
       break;
     default:
       G_OBJECT_WARN_INVALID_PROPERTY_ID(object, prop_id, pspec);
@@ -381,12 +367,12 @@ static void gst_pavona_palette_class_init(GstPavonaPaletteClass* klass) {
 }
 
 static void gst_pavona_palette_init(GstPavonaPalette* self) {
-  self->colors = DEFAULT_COLORS;
-  self->interval = DEFAULT_INTERVAL;
-  self->post_messages = DEFAULT_POST_MESSAGES;
-  self->draw = DEFAULT_DRAW;
-  self->seed = DEFAULT_SEED;
-  self->smooth = DEFAULT_SMOOTH;
+  self->props.colors = DEFAULT_COLORS;
+  self->props.interval = DEFAULT_INTERVAL;
+  self->props.post_messages = DEFAULT_POST_MESSAGES;
+  self->props.draw = DEFAULT_DRAW;
+  self->props.seed = DEFAULT_SEED;
+  self->props.smooth = DEFAULT_SMOOTH;
   get_algo_api(&self->api);
   self->api.setLogStatus(0);
   gst_base_transform_set_in_place(GST_BASE_TRANSFORM(self), TRUE);

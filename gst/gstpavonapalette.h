@@ -12,6 +12,17 @@
 
 G_BEGIN_DECLS
 
+/* The element's properties; a frame is analysed with a copy taken as it
+ * arrives. */
+typedef struct PavonaPaletteSettings {
+  gint colors;
+  guint interval;
+  gboolean post_messages;
+  gboolean draw;
+  gint seed;
+  gdouble smooth;
+} PavonaPaletteSettings;
+
 #define GST_TYPE_PAVONA_PALETTE (gst_pavona_palette_get_type())
 G_DECLARE_FINAL_TYPE(GstPavonaPalette, gst_pavona_palette, GST, PAVONA_PALETTE,
                      GstVideoFilter)
@@ -19,13 +30,7 @@ G_DECLARE_FINAL_TYPE(GstPavonaPalette, gst_pavona_palette, GST, PAVONA_PALETTE,
 struct _GstPavonaPalette {
   GstVideoFilter parent;
 
-  /* Properties, under the object lock. */
-  gint colors;
-  guint interval;
-  gboolean post_messages;
-  gboolean draw;
-  gint seed;
-  gdouble smooth;
+  PavonaPaletteSettings props; /* under the object lock */
 
   /* Streaming state. */
   PavonaApi api;
