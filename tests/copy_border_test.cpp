@@ -4,7 +4,7 @@
 #include <new>
 #include <vector>
 
-#include "tests/failing_allocator.h"
+#include "tests/support/failing_allocator.h"
 #include "zel/cpp/imgproc/copyMakeBorder.h"
 #include "zel/cpp/memory/copyRect.h"
 

@@ -1,4 +1,4 @@
-#include "tests/failing_allocator.h"
+#include "tests/support/failing_allocator.h"
 
 #include <atomic>
 #include <cstdlib>

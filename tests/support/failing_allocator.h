@@ -2,8 +2,8 @@
 // alive and failing on request with std::bad_alloc, as a full heap would.
 // Lets a test show that an allocation failure anywhere inside a call
 // propagates and leaves nothing allocated behind.
-#ifndef PAVONA_TESTS_FAILING_ALLOCATOR_H_
-#define PAVONA_TESTS_FAILING_ALLOCATOR_H_
+#ifndef PAVONA_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
+#define PAVONA_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -33,4 +33,4 @@ class FailingAllocations {
 
 }  // namespace pavona::testing
 
-#endif  // PAVONA_TESTS_FAILING_ALLOCATOR_H_
+#endif  // PAVONA_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
