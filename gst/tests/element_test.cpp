@@ -1,5 +1,5 @@
-// pavonapalette as GStreamer drives it: in pipelines from videotestsrc, and
-// buffer by buffer under gst-check's harness.
+// pavonapalette as GStreamer drives it: in pipelines from videotestsrc and
+// from an encoded clip, and buffer by buffer under gst-check's harness.
 #include <gst/check/gstharness.h>
 #include <gst/gst.h>
 #include <gst/video/video.h>
@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -243,6 +244,35 @@ TEST_P(Formats, VideoTestSrcGivesOneMessagePerAnalysedFrame) {
 
 INSTANTIATE_TEST_SUITE_P(PavonaPalette, Formats,
                          ::testing::Values("NV12", "NV21", "P010_10LE"));
+
+// Photographs become a VP8/WebM clip, which uridecodebin decodes again.
+TEST(PavonaPaletteClip, DecodedFileGivesOneMessagePerAnalysedFrame) {
+  const std::string clip =
+      (std::filesystem::path(PAVONA_GST_REGISTRY).parent_path() / "clip.webm")
+          .string();
+  std::string launch =
+      "concat name=c ! video/x-raw,framerate=4/1 ! vp8enc ! "
+      "webmmux ! filesink location=" +
+      clip;
+  for (const char* photo : {"astronaut", "chelsea", "coffee", "rocket"}) {
+    launch += std::string(" filesrc location=") + PAVONA_SAMPLES_DIR + "/" +
+              photo +
+              ".jpg ! jpegdec ! videoscale ! videoconvert ! "
+              "video/x-raw,format=I420,width=320,height=240,"
+              "pixel-aspect-ratio=1/1 ! imagefreeze num-buffers=2 ! c.";
+  }
+  ASSERT_EQ(runPipeline(launch).error, "");
+  gchar* uri = gst_filename_to_uri(clip.c_str(), nullptr);
+  for (unsigned interval : {1u, 3u}) {
+    const BusLog log = runPipeline(
+        std::string("uridecodebin uri=") + uri +
+        " ! videoconvert ! video/x-raw,format=NV12 ! pavonapalette interval=" +
+        std::to_string(interval) + " ! fakesink");
+    EXPECT_EQ(log.error, "");
+    EXPECT_EQ(log.palettes.size(), interval == 1 ? 8u : 3u);
+  }
+  g_free(uri);
+}
 
 // videoconvert only reorders I420's chroma into NV12's or NV21's pairs, so
 // both carry one picture. With a seed, k-means starts alike every frame.
