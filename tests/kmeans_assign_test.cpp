@@ -189,6 +189,8 @@ int randomK(std::mt19937& random) {
   return 1 + static_cast<int>(random() % 45);
 }
 
+// The split into planes, which writes nothing past them, and the
+// assignment from the start, each against its scalar twin bit for bit.
 TEST(KMeansAssign, NeonMatchesScalarTwinFromTheStartBitForBit) {
   std::mt19937 random(0xfa2);
   const std::vector<int> counts = randomCounts();
@@ -198,42 +200,33 @@ TEST(KMeansAssign, NeonMatchesScalarTwinFromTheStartBitForBit) {
     const int k = c % 50 == 7 ? 0 : randomK(random);
     RandomCase scalar(random, count, std::max(k, 1), c % 6 == 5);
     RandomCase neon = scalar;
+    const size_t floats = 3 * static_cast<size_t>(count);
+    std::vector<float> twinPlanes(floats + 8, -1.0f), planes(twinPlanes);
+    const SamplePlanes s =
+        splitSamples_C(scalar.samples.data(), count, twinPlanes.data());
+    const SamplePlanes n =
+        splitSamples_NEON(neon.samples.data(), count, planes.data());
+    ASSERT_EQ(0, std::memcmp(planes.data(), twinPlanes.data(),
+                             (floats + 8) * sizeof(float)))
+        << "count " << count;
+    EXPECT_EQ(n.r - planes.data(), s.r - twinPlanes.data());
+    EXPECT_EQ(n.g - planes.data(), count);
+    EXPECT_EQ(n.b - planes.data(), 2 * count);
+    for (int j = 0; j < count; ++j) {
+      const _Point p{s.r[j], s.g[j], s.b[j]};
+      ASSERT_EQ(0, std::memcmp(&p, &scalar.samples[j], sizeof p)) << j;
+    }
     // Whatever the arrays hold must not matter.
     std::memset(neon.distance.data(), 0, count * sizeof(float));
     std::fill(neon.label.begin(), neon.label.end(), 7);
     assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
                     scalar.distance.data(), scalar.label.data());
-    splitAndAssign(neon.samples.data(), count, neon.centres.data(), k,
-                   neon.distance.data(), neon.label.data());
+    assignNearest_NEON(n, count, neon.centres.data(), k, neon.distance.data(),
+                       neon.label.data());
     ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
                              count * sizeof(float)))
         << "count " << count << " k " << k;
     ASSERT_EQ(neon.label, scalar.label) << "count " << count << " k " << k;
-  }
-}
-
-TEST(KMeansAssign, SplitNeonMatchesScalarTwinAndWritesOnlyThePlanes) {
-  std::mt19937 random(0x5917);
-  for (int count : randomCounts()) {
-    RandomCase samples(random, count, 1, count % 6 == 5);
-    const size_t floats = 3 * static_cast<size_t>(count);
-    // Guards after the planes must stay as they are.
-    std::vector<float> scalar(floats + 8, -1.0f);
-    std::vector<float> neon(floats + 8, -1.0f);
-    const SamplePlanes s =
-        splitSamples_C(samples.samples.data(), count, scalar.data());
-    const SamplePlanes n =
-        splitSamples_NEON(samples.samples.data(), count, neon.data());
-    ASSERT_EQ(0, std::memcmp(neon.data(), scalar.data(),
-                             (floats + 8) * sizeof(float)))
-        << "count " << count;
-    EXPECT_EQ(n.r - neon.data(), s.r - scalar.data());
-    EXPECT_EQ(n.g - neon.data(), count);
-    EXPECT_EQ(n.b - neon.data(), 2 * count);
-    for (int j = 0; j < count; ++j) {
-      const _Point p{s.r[j], s.g[j], s.b[j]};
-      ASSERT_EQ(0, std::memcmp(&p, &samples.samples[j], sizeof p)) << j;
-    }
   }
 }
 
