@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -55,28 +54,21 @@ void splitAndAssign(const _Point* samples, int count, const _Point* centres,
   assignNearest_NEON(split, count, centres, k, nearest, labels);
 }
 
-// Both start from the engine's starting state: the scalar twin reads it
-// from the arrays, the NEON kernel starts from it in registers.
-struct Implementation {
-  const char* name;
-  void (*assign)(const _Point*, int, const _Point*, int, float*, int*);
-};
-
-void PrintTo(const Implementation& implementation, std::ostream* out) {
-  *out << implementation.name;
+// The scalar twin and the NEON kernel from the engine's starting state;
+// both must give the same bits. Returns the twin's result.
+Nearest assignBoth(const std::vector<_Point>& samples,
+                   const std::vector<_Point>& centres) {
+  const int n = static_cast<int>(samples.size());
+  Nearest twin(n), neon(n);
+  assignNearest_C(samples.data(), n, centres.data(), int(centres.size()),
+                  twin.distance.data(), twin.label.data());
+  splitAndAssign(samples.data(), n, centres.data(), int(centres.size()),
+                 neon.distance.data(), neon.label.data());
+  EXPECT_EQ(neon.label, twin.label);
+  EXPECT_EQ(0, std::memcmp(neon.distance.data(), twin.distance.data(),
+                           n * sizeof(float)));
+  return twin;
 }
-
-class KMeansAssignBoth : public ::testing::TestWithParam<Implementation> {
- protected:
-  Nearest run(const std::vector<_Point>& samples,
-              const std::vector<_Point>& centres) {
-    Nearest nearest(samples.size());
-    GetParam().assign(samples.data(), static_cast<int>(samples.size()),
-                      centres.data(), static_cast<int>(centres.size()),
-                      nearest.distance.data(), nearest.label.data());
-    return nearest;
-  }
-};
 
 TEST(KMeansDistance, WorkedValuesSumLeftFirst) {
   // d = (1, 2, 3): plain 1 + 4 + 9, weighted 2 + 16 + 27.
@@ -96,66 +88,49 @@ TEST(KMeansDistance, WorkedValuesSumLeftFirst) {
 // (0,10,0) gives 100 and 400, (11,0,0) gives 121 and 242.
 const std::vector<_Point> kGreen10AndRed11 = {{0, 10, 0}, {11, 0, 0}};
 
-TEST_P(KMeansAssignBoth, SixSamplesUsePlainFormThenWeightedForm) {
-  const std::vector<_Point> samples(6, _Point{0, 0, 0});
-  const Nearest nearest = run(samples, kGreen10AndRed11);
-  EXPECT_EQ(nearest.label, (std::vector<int>{0, 0, 0, 0, 1, 1}));
-  EXPECT_EQ(nearest.distance,
-            (std::vector<float>{100, 100, 100, 100, 242, 242}));
+// Blocks of four take the plain form, the tail the weighted one.
+TEST(KMeansAssign, BlocksUsePlainFormTailWeightedForm) {
+  const Nearest six = assignBoth(std::vector<_Point>(6), kGreen10AndRed11);
+  EXPECT_EQ(six.label, (std::vector<int>{0, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(six.distance, (std::vector<float>{100, 100, 100, 100, 242, 242}));
+  EXPECT_EQ(assignBoth(std::vector<_Point>(3), kGreen10AndRed11).label,
+            (std::vector<int>{1, 1, 1}));
 }
 
-TEST_P(KMeansAssignBoth, FewerThanFourSamplesAreAllWeighted) {
-  const std::vector<_Point> samples(3, _Point{0, 0, 0});
-  const Nearest nearest = run(samples, kGreen10AndRed11);
-  EXPECT_EQ(nearest.label, (std::vector<int>{1, 1, 1}));
-}
-
-TEST_P(KMeansAssignBoth, TiesKeepTheLowerCentre) {
+TEST(KMeansAssign, TiesKeepTheLowerCentre) {
   // Sample 0 lies on the two equal centres 0 and 1; sample 2 is 25 from
   // both centres 2 and 3; sample 4 (weighted) is 9 from centre 2.
   const std::vector<_Point> samples = {
       {7, 7, 7}, {0, 0, 0}, {0, 5, 0}, {0, 0, 0}, {1, 1, 1}};
   const std::vector<_Point> centres = {
       {7, 7, 7}, {7, 7, 7}, {0, 0, 0}, {0, 10, 0}};
-  const Nearest nearest = run(samples, centres);
+  const Nearest nearest = assignBoth(samples, centres);
   EXPECT_EQ(nearest.label, (std::vector<int>{0, 2, 2, 2, 2}));
   EXPECT_EQ(nearest.distance, (std::vector<float>{0, 0, 25, 0, 9}));
 }
 
-TEST_P(KMeansAssignBoth, NothingFartherThanTheStartOrNaNIsTaken) {
+TEST(KMeansAssign, NothingFartherThanTheStartOrNaNIsTaken) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float inf = std::numeric_limits<float>::infinity();
   // The squares of 1e12 and 2e11 are beyond 0x64646464 (about 1.685e22).
   const std::vector<_Point> samples = {
       {nan, 0, 0}, {1e12f, 0, 0}, {0, inf, 0}, {0, 0, 2e11f}, {nan, 0, 0}};
-  const Nearest nearest = run(samples, {{0, 0, 0}, {1, 1, 1}});
-  const Nearest start(samples.size());
+  const Nearest nearest = assignBoth(samples, {{0, 0, 0}, {1, 1, 1}});
   EXPECT_EQ(nearest.label, (std::vector<int>{0, 0, 0, 0, 0}));
-  for (size_t j = 0; j < samples.size(); ++j) {
-    EXPECT_EQ(bitsOf(nearest.distance[j]), 0x64646464u) << j;
-  }
-  EXPECT_EQ(nearest.distance, start.distance);
+  EXPECT_EQ(nearest.distance, Nearest(samples.size()).distance);
 }
 
 TEST(KMeansAssignScalar, EqualToTheStartingDistanceIsNotCloser) {
   const std::vector<_Point> samples(5, _Point{0, 0, 10});
   Nearest nearest(samples.size());
-  for (size_t j = 0; j < samples.size(); ++j) {
-    nearest.distance[j] = j < 4 ? 100.0f : 300.0f;  // tail: 3 * 10 * 10
-    nearest.label[j] = 7;
-  }
-  // From the origin: plain 100, weighted 3 * 10 * 10, equal to the start.
-  const std::vector<_Point> origin = {{0, 0, 0}};
-  assignNearest_C(samples.data(), 5, origin.data(), 1, nearest.distance.data(),
+  // From the origin: plain 100, tail weighted 3 * 10 * 10, as at the start.
+  nearest.distance = {100, 100, 100, 100, 300};
+  nearest.label.assign(5, 7);
+  const _Point origin{0, 0, 0};
+  assignNearest_C(samples.data(), 5, &origin, 1, nearest.distance.data(),
                   nearest.label.data());
   EXPECT_EQ(nearest.label, std::vector<int>(5, 7));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    KMeansAssign, KMeansAssignBoth,
-    ::testing::Values(Implementation{"Neon", splitAndAssign},
-                      Implementation{"Scalar", assignNearest_C}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // Photo-like samples: runs of similar whole-number colours (0 ... 255 or
 // 1023), sometimes a special value. Centres are fractions, copies of
@@ -214,6 +189,8 @@ int randomK(std::mt19937& random) {
   return 1 + static_cast<int>(random() % 45);
 }
 
+// The split into planes, which writes nothing past them, and the
+// assignment from the start, each against its scalar twin bit for bit.
 TEST(KMeansAssign, NeonMatchesScalarTwinFromTheStartBitForBit) {
   std::mt19937 random(0xfa2);
   const std::vector<int> counts = randomCounts();
@@ -223,43 +200,33 @@ TEST(KMeansAssign, NeonMatchesScalarTwinFromTheStartBitForBit) {
     const int k = c % 50 == 7 ? 0 : randomK(random);
     RandomCase scalar(random, count, std::max(k, 1), c % 6 == 5);
     RandomCase neon = scalar;
+    const size_t floats = 3 * static_cast<size_t>(count);
+    std::vector<float> twinPlanes(floats + 8, -1.0f), planes(twinPlanes);
+    const SamplePlanes s =
+        splitSamples_C(scalar.samples.data(), count, twinPlanes.data());
+    const SamplePlanes n =
+        splitSamples_NEON(neon.samples.data(), count, planes.data());
+    ASSERT_EQ(0, std::memcmp(planes.data(), twinPlanes.data(),
+                             (floats + 8) * sizeof(float)))
+        << "count " << count;
+    EXPECT_EQ(n.r - planes.data(), s.r - twinPlanes.data());
+    EXPECT_EQ(n.g - planes.data(), count);
+    EXPECT_EQ(n.b - planes.data(), 2 * count);
+    for (int j = 0; j < count; ++j) {
+      const _Point p{s.r[j], s.g[j], s.b[j]};
+      ASSERT_EQ(0, std::memcmp(&p, &scalar.samples[j], sizeof p)) << j;
+    }
     // Whatever the arrays hold must not matter.
     std::memset(neon.distance.data(), 0, count * sizeof(float));
     std::fill(neon.label.begin(), neon.label.end(), 7);
     assignNearest_C(scalar.samples.data(), count, scalar.centres.data(), k,
                     scalar.distance.data(), scalar.label.data());
-    splitAndAssign(neon.samples.data(), count, neon.centres.data(), k,
-                   neon.distance.data(), neon.label.data());
+    assignNearest_NEON(n, count, neon.centres.data(), k, neon.distance.data(),
+                       neon.label.data());
     ASSERT_EQ(0, std::memcmp(neon.distance.data(), scalar.distance.data(),
                              count * sizeof(float)))
         << "count " << count << " k " << k;
     ASSERT_EQ(neon.label, scalar.label) << "count " << count << " k " << k;
-  }
-}
-
-TEST(KMeansAssign, SplitNeonMatchesScalarTwinAndWritesOnlyThePlanes) {
-  std::mt19937 random(0x5917);
-  for (int count : randomCounts()) {
-    RandomCase samples(random, count, 1, count % 6 == 5);
-    const size_t floats = 3 * static_cast<size_t>(count);
-    // Guards after the planes must stay as they are.
-    std::vector<float> scalar(floats + 8, -1.0f);
-    std::vector<float> neon(floats + 8, -1.0f);
-    const SamplePlanes s =
-        splitSamples_C(samples.samples.data(), count, scalar.data());
-    const SamplePlanes n =
-        splitSamples_NEON(samples.samples.data(), count, neon.data());
-    ASSERT_EQ(0, std::memcmp(neon.data(), scalar.data(),
-                             (floats + 8) * sizeof(float)))
-        << "count " << count;
-    EXPECT_EQ(n.r - neon.data(), s.r - scalar.data());
-    EXPECT_EQ(n.g - neon.data(), count);
-    EXPECT_EQ(n.b - neon.data(), 2 * count);
-    for (int j = 0; j < count; ++j) {
-      ASSERT_EQ(bitsOf(s.g[j]), bitsOf(samples.samples[j].g)) << j;
-      ASSERT_EQ(bitsOf(s.b[j]), bitsOf(samples.samples[j].b)) << j;
-      ASSERT_EQ(bitsOf(s.r[j]), bitsOf(samples.samples[j].r)) << j;
-    }
   }
 }
 
@@ -356,10 +323,10 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
                            neon.label.data());
   const auto box = sampleBox_C(c.samples.data(), count);
   const auto neonBox = sampleBox_NEON(split, count);
-  const float twinCorners[] = {box.low.r,  box.low.g,  box.low.b,
-                               box.high.r, box.high.g, box.high.b};
-  const float neonCorners[] = {neonBox.low.r,  neonBox.low.g,  neonBox.low.b,
-                               neonBox.high.r, neonBox.high.g, neonBox.high.b};
+  float twinCorners[6], neonCorners[6];
+  static_assert(sizeof box == sizeof twinCorners, "two corners of 3 floats");
+  std::memcpy(twinCorners, &box, sizeof box);
+  std::memcpy(neonCorners, &neonBox, sizeof box);
   for (int e = 0; e < 6; ++e) {
     EXPECT_TRUE(twinCorners[e] == neonCorners[e] ||
                 (std::isnan(twinCorners[e]) && std::isnan(neonCorners[e])))

@@ -83,33 +83,27 @@ TEST(KMeansAlgo, MatchesTheFloat32Reference) {
   };
   const struct {
     std::vector<_Point> grid;
-    int width, height, passes;
+    int size[3];  // width, height, passes
     std::vector<Expected> clusters;
   } cases[] = {
       // About (7.5, 110, 7.5), (205, 0, 0), (0, 0, 200), (0, 0, 210); the
       // cluster seeded as 3 ends second.
       {kWorkedGrid,
-       4,
-       2,
-       10,
+       {4, 2, 10},
        {{5, 0x40F0005A, 0x42DBFFFD, 0x40EFFFFD},
         {3, 0x434CFFF0, 0x00000000, 0x00000000},
         {2, 0x00000000, 0x00000000, 0x43480000},
         {2, 0x00000000, 0x00000000, 0x43520000}}},
       // Four equal counts keep seed order.
       {blobGrid(14, 10),
-       14,
-       10,
-       6,
+       {14, 10, 6},
        {{36, 0x41F83A84, 0x433D3A84, 0x4287B6DC},
         {36, 0x424C57C5, 0x426C0000, 0x43641D42},
         {36, 0x4352A83B, 0x421B15F2, 0x423F5075},
         {36, 0x4370CCCC, 0x4364EA0E, 0x42C44924}}},
       // 13 x 9 has a sample in the weighted tail.
       {blobGrid(13, 9),
-       13,
-       9,
-       11,
+       {13, 9, 11},
        {{29, 0x424CDB6E, 0x426C6DB7, 0x43644000},
         {25, 0x43702AAC, 0x4364CAAA, 0x42C2EAAC},
         {19, 0x4206AAAB, 0x433D8000, 0x42818E39},
@@ -120,22 +114,20 @@ TEST(KMeansAlgo, MatchesTheFloat32Reference) {
         {8, 0x435BB6DC, 0x42224924, 0x424C9249}}},
       // Red moves most, so its doubled square decides the last pass.
       {redRamp,
-       6,
-       4,
-       13,
+       {6, 4, 13},
        {{8, 0x41100030, 0x3F5B6DC0, 0x00000000},
         {8, 0x41F00018, 0x3F800000, 0x00000000},
         {6, 0x42400000, 0x3F800000, 0x00000000},
         {6, 0x427C0000, 0x3F999999, 0x00000000}}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.width << " x " << c.height);
+    SCOPED_TRACE(::testing::Message() << c.size[0] << " x " << c.size[1]);
     const int k = static_cast<int>(c.clusters.size());
     KMeansAlgo kmeans;
     ASSERT_EQ(kmeans.init(k, 0.001f), 0);
     std::vector<_Point> out(k);
-    kmeans.processKMeansAlgo(c.grid.data(), out.data(), c.width, c.height);
-    EXPECT_EQ(kmeans.m_passCount, c.passes);
+    kmeans.processKMeansAlgo(c.grid.data(), out.data(), c.size[0], c.size[1]);
+    EXPECT_EQ(kmeans.m_passCount, c.size[2]);
     for (int i = 0; i < k; ++i) {
       EXPECT_EQ(kmeans.m_clusters[i].points.size(), c.clusters[i].count) << i;
       EXPECT_EQ(bitsOf(out[i].r), c.clusters[i].r) << i;
@@ -181,17 +173,14 @@ TEST(KMeansAlgo, SixSamplesOnePassTakeDampedMeans) {
   const float expected[4][3] = {
       {0, 5, 0}, {5.5f, 0, 0}, {11, 0, 0}, {0, 10, 0}};
   const size_t counts[4] = {4, 4, 1, 1};
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(kmeans.m_clusters[i].points.size(), counts[i]);
-    EXPECT_EQ(out[i].r, expected[i][0]) << i;
-    EXPECT_EQ(out[i].g, expected[i][1]) << i;
-    EXPECT_EQ(out[i].b, expected[i][2]) << i;
-  }
-  kmeans.processKMeansAlgo(grid.data(), out.data(), 3, 2);
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(kmeans.m_clusters[i].points.size(), 2 * counts[i]);
-    EXPECT_EQ(out[i].r, expected[i][0]) << i;
-    EXPECT_EQ(out[i].g, expected[i][1]) << i;
+  for (size_t call = 1; call <= 2; ++call) {
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_EQ(kmeans.m_clusters[i].points.size(), call * counts[i]);
+      EXPECT_EQ(out[i].r, expected[i][0]) << i;
+      EXPECT_EQ(out[i].g, expected[i][1]) << i;
+      EXPECT_EQ(out[i].b, expected[i][2]) << i;
+    }
+    kmeans.processKMeansAlgo(grid.data(), out.data(), 3, 2);
   }
 }
 
