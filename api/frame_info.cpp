@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "base/export.h"
 #include "api/pavona_ext.h"
+#include "base/export.h"
 #include "src/KImages.h"
 
 void pavona::recordRefusedFrame(Pavona& facade) {

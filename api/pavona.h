@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "base/export.h"
 #include "api/pavona_host.h"
+#include "base/export.h"
 
 class KImages;
 

@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "api/frame_info.h"
-#include "base/log_sink.h"
 #include "api/pavona.h"
+#include "base/log_sink.h"
 
 int32_t gLogStatus = 1;
 

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "base/export.h"
 #include "api/pavona_host.h"
+#include "base/export.h"
 
 // Console log switch: 0 silences the entry points' own lines. Read only by
 // the entry points' sink; the facade and k-means sinks ignore it.

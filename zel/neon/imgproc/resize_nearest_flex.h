@@ -25,8 +25,8 @@
 #include <memory>
 
 #include "base/export.h"
-#include "zel/neon/imgproc/resize_nearest_general.h"
 #include "base/neon_compat.h"
+#include "zel/neon/imgproc/resize_nearest_general.h"
 
 namespace zel::neon::imgproc::internal_resize_v00 {
 
