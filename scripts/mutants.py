@@ -4,10 +4,12 @@ the release suite catches it.
 
 A fault names a file, a text that occurs exactly once in it (a whole line or
 part of one) and its replacement, so it keeps applying while other lines
-change. For each fault: replace, rebuild the release preset incrementally,
-run the suite until the first failure, restore the file. A fault whose
-build fails counts as caught. Exits 1 if a fault survived or no longer
-applies, 2 if the unchanged tree does not build or pass.
+change. A line '= TARGET...' names the test executables most likely to
+catch the faults that follow it. For each fault: replace, build and run
+only those, and only when they pass rebuild the release preset and run the
+whole suite until the first failure; restore the file. A fault whose build
+fails counts as caught. Exits 1 if a fault survived or no longer applies,
+2 if the unchanged tree does not build or pass.
 
 Usage: scripts/mutants.py [NAME_SUBSTRING...]   (default: every fault)
 """
@@ -19,6 +21,7 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LIST = os.path.join(ROOT, "scripts", "mutants.txt")
+BUILD = os.path.join(ROOT, "build", "release")
 CTEST = ["nice", "ctest", "--preset", "release", "-j2", "--stop-on-failure",
          "--timeout", "300"]
 # The install test and the check of the recorded libc++ orders against
@@ -30,7 +33,7 @@ SLOW = "^Memcheck|PreviewTooLargeForItsThirtyTwoBitSize"
 
 def parse(path):
     """Blocks of '[name] file', '- original', '+ replacement'."""
-    faults, current = [], None
+    faults, current, hint = [], None, []
     with open(path) as f:
         for number, line in enumerate(f, 1):
             line = line.rstrip("\n")
@@ -38,8 +41,11 @@ def parse(path):
                 continue
             if line.startswith("["):
                 name, _, file = line[1:].partition("] ")
-                current = {"name": name, "file": file.strip(), "line": number}
+                current = {"name": name, "file": file.strip(), "line": number,
+                           "hint": hint}
                 faults.append(current)
+            elif line.startswith("= "):
+                hint = line[2:].split()
             elif line[:2] in ("- ", "+ ") and current is not None:
                 current["old" if line[0] == "-" else "new"] = line[2:]
             else:
@@ -56,13 +62,25 @@ def run(command, log):
                                stderr=subprocess.STDOUT) == 0
 
 
-def build_and_test(log):
+def executable(target):
+    for folder, _, files in os.walk(BUILD):
+        if target in files:
+            return os.path.join(folder, target)
+    sys.exit(f"no test executable {target} in {BUILD}")
+
+
+def build_and_test(log, hint=()):
     build = ["nice", "cmake", "--build", "--preset", "release"]
+    if hint and not run(build + ["--target", *hint], log):
+        return "build"
+    for target in hint:
+        if not run(["nice", executable(target), "--gtest_brief=1"], log):
+            return "hinted"
     if not run(build, log):
         return "build"
     if not run(CTEST + ["-E", f"{SKIP}|{SLOW}"], log):
-        return "test"
-    return "pass" if run(CTEST + ["-R", SLOW], log) else "test"
+        return "suite"
+    return "pass" if run(CTEST + ["-R", SLOW], log) else "suite"
 
 
 def try_fault(fault, log):
@@ -74,7 +92,7 @@ def try_fault(fault, log):
     with open(path, "w") as f:
         f.write(original.replace(fault["old"], fault["new"]))
     try:
-        return build_and_test(log)
+        return build_and_test(log, fault["hint"])
     finally:
         with open(path, "w") as f:
             f.write(original)
@@ -97,7 +115,7 @@ def main():
     for fault in faults:
         began = time.time()
         outcome = try_fault(fault, log)
-        print(f"{outcome:6} {time.time() - began:5.0f}s  {fault['name']}",
+        print(f"{outcome:6} {time.time() - began:4.0f}s  {fault['name']}",
               flush=True)
         if outcome == "pass":
             survivors.append(fault["name"])
