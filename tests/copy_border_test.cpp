@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <new>
 #include <vector>
 
-#include "tests/support/failing_allocator.h"
 #include "zel/cpp/imgproc/copyMakeBorder.h"
 #include "zel/cpp/memory/copyRect.h"
 
@@ -132,29 +130,6 @@ TEST(BorderKernel, PaintsFrameAndLeavesInterior) {
     // The source is never read: a null one does no harm.
     EXPECT_EQ(0, paintFrame(dst.data(), stride, value));
     expectFrame(dst, stride, value == nullptr ? black : value, nullptr);
-  }
-}
-
-// Whichever allocation fails, the failure propagates, nothing stays
-// allocated and nothing is painted.
-TEST(BorderKernel, AllocationFailureLeavesNothingBehind) {
-  const uint8_t white[3] = {255, 255, 255};
-  const size_t size = kDstW * 3 * kDstH;
-  for (int nth = 1;; ++nth) {
-    std::vector<uint8_t> dst(size, kUntouched);
-    const int64_t live = pavona::testing::liveAllocations();
-    bool threw = false;
-    {
-      pavona::testing::FailingAllocations failing(nth, 0);
-      try {
-        paintFrame(dst.data(), kDstW * 3, white);
-      } catch (const std::bad_alloc&) {
-        threw = true;
-      }
-    }
-    EXPECT_EQ(pavona::testing::liveAllocations(), live);
-    if (!threw) break;
-    EXPECT_EQ(dst, std::vector<uint8_t>(size, kUntouched)) << nth;
   }
 }
 

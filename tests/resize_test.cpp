@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -82,7 +81,6 @@ std::vector<uint8_t> mapped(const uint8_t* src, const Layout& s, int dw,
 
 template <typename T, int cn>
 struct Plane {
-  using Elem = T;
   static constexpr int kUnit = cn * int(sizeof(T));
   static constexpr int kMinBlocks = 16 / int(sizeof(T));  // B
   static constexpr int kMaxRatio = 16 / kUnit;
@@ -155,32 +153,6 @@ TYPED_TEST(PlaneResize, GeneralTablePath) {
   for (int r = 2; r <= rmax; ++r) {
     TypeParam::check(TypeParam::kMinBlocks * r - 1, 4, TypeParam::kMinBlocks, 7,
                      rng);
-  }
-}
-
-// Repeated rows of an exact enlargement are byte copies of the whole
-// stride: the padding of row K j reappears in rows K j + 1 ... K j + K - 1.
-TYPED_TEST(PlaneResize, RepeatedRowsCopyTheWholeStride) {
-  using T = typename TypeParam::Elem;
-  std::mt19937 rng(14);
-  for (int k = 2; k <= 4; ++k) {
-    const Layout s{5, 2, TypeParam::kUnit, 5 * TypeParam::kUnit};
-    const Layout d{5 * k, 2 * k, TypeParam::kUnit,
-                   5 * k * TypeParam::kUnit + 9};
-    const auto src = randomSource(s, rng);
-    std::vector<uint8_t> dst(size_t(d.height) * d.stride);
-    for (auto& b : dst) b = uint8_t(rng());
-    auto want = dst;
-    ASSERT_EQ(0,
-              TypeParam::Kernel::resize(reinterpret_cast<const T*>(src.data()),
-                                        reinterpret_cast<T*>(dst.data()), 5, 2,
-                                        5 * k, 2 * k, s.stride, d.stride));
-    for (int y = 0; y < d.height; ++y) {
-      const auto pad = want.begin() + (y - y % k) * d.stride + d.rowBytes();
-      EXPECT_TRUE(
-          std::equal(pad, pad + 9, dst.begin() + y * d.stride + d.rowBytes()))
-          << "factor " << k << ", row " << y;
-    }
   }
 }
 

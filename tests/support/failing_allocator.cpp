@@ -46,8 +46,6 @@ void failAllocations(int64_t nth, size_t maxBytes) {
   gMaxBytes = maxBytes;
 }
 
-int64_t allocationsSinceArmed() { return gSinceArmed.load(); }
-
 }  // namespace pavona::testing
 
 using pavona::testing::allocate;

@@ -17,9 +17,6 @@ int64_t liveAllocations();
 // every request larger than `maxBytes`; 0 turns either rule off.
 void failAllocations(int64_t nth, size_t maxBytes);
 
-// Allocations made since failAllocations was last called.
-int64_t allocationsSinceArmed();
-
 // Turns both rules off while in scope.
 class FailingAllocations {
  public:

@@ -34,15 +34,22 @@ void bind(Frame& frame) {
   frame.image.uvPlane = frame.uv.data();
 }
 
-Frame makeFrame8(IMAGE_FORMAT_TYPE format, int width, int height, int seed,
-                 int stride) {
+// Describes packed planes of `width` x `height` samples.
+void describe(Frame& frame, IMAGE_FORMAT_TYPE format, int width, int height) {
+  frame.image.format = format;
+  frame.image.width = width;
+  frame.image.height = height;
+  frame.image.stride = 0;
+  bind(frame);
+}
+
+Frame makeFrame8(IMAGE_FORMAT_TYPE format, int width, int height, int seed) {
   Frame frame;
-  const int pitch = stride == 0 ? width : stride;
-  frame.y.assign(static_cast<size_t>(pitch) * height, 0);
-  frame.uv.assign(static_cast<size_t>(pitch) * (height / 2), 0);
+  frame.y.resize(static_cast<size_t>(width) * height);
+  frame.uv.resize(static_cast<size_t>(width) * (height / 2));
   for (int row = 0; row < height; ++row) {
     for (int col = 0; col < width; ++col) {
-      frame.y[static_cast<size_t>(row) * pitch + col] =
+      frame.y[static_cast<size_t>(row) * width + col] =
           static_cast<uint8_t>(scene(col, row, width, height, seed).y);
     }
   }
@@ -50,25 +57,20 @@ Frame makeFrame8(IMAGE_FORMAT_TYPE format, int width, int height, int seed,
   for (int row = 0; row < height / 2; ++row) {
     for (int pair = 0; pair < width / 2; ++pair) {
       const Yuv c = scene(2 * pair, 2 * row, width, height, seed);
-      uint8_t* out = &frame.uv[static_cast<size_t>(row) * pitch + 2 * pair];
+      uint8_t* out = &frame.uv[static_cast<size_t>(row) * width + 2 * pair];
       out[0] = static_cast<uint8_t>(uFirst ? c.u : c.v);
       out[1] = static_cast<uint8_t>(uFirst ? c.v : c.u);
     }
   }
-  frame.image.format = format;
-  frame.image.width = width;
-  frame.image.height = height;
-  frame.image.stride = stride;
-  bind(frame);
+  describe(frame, format, width, height);
   return frame;
 }
 
 Frame makeFrame10(int width, int height, int seed) {
   const Frame eight = makeFrame8(IMAGE_FORMAT_NV12, width, height, seed);
   Frame frame;
-  frame.y.resize(eight.y.size() * 2);
-  frame.uv.resize(eight.uv.size() * 2);
   auto widen = [](const std::vector<uint8_t>& in, std::vector<uint8_t>& out) {
+    out.resize(2 * in.size());
     for (size_t i = 0; i < in.size(); ++i) {
       const uint16_t v = static_cast<uint16_t>(in[i] * 4);
       std::memcpy(&out[2 * i], &v, sizeof v);
@@ -76,41 +78,29 @@ Frame makeFrame10(int width, int height, int seed) {
   };
   widen(eight.y, frame.y);
   widen(eight.uv, frame.uv);
-  frame.image.format = IMAGE_FORMAT_YUV420SP_10BIT;
-  frame.image.width = width;
-  frame.image.height = height;
-  frame.image.stride = 0;
-  bind(frame);
+  describe(frame, IMAGE_FORMAT_YUV420SP_10BIT, width, height);
   return frame;
 }
 
 Frame upscale2x(const Frame& frame) {
-  const Image& in = frame.image;
-  const int width = in.width, height = in.height;
-  const int pitch = in.stride == 0 ? width : in.stride;
+  const int width = frame.image.width, height = frame.image.height;
   Frame big;
   big.y.resize(static_cast<size_t>(4) * width * height);
   big.uv.resize(static_cast<size_t>(2) * width * height);
   for (int row = 0; row < 2 * height; ++row) {
     for (int col = 0; col < 2 * width; ++col) {
       big.y[static_cast<size_t>(row) * 2 * width + col] =
-          frame.y[static_cast<size_t>(row / 2) * pitch + col / 2];
+          frame.y[static_cast<size_t>(row / 2) * width + col / 2];
+      // Each chroma pair covers two columns, so byte `col` of a doubled
+      // row comes from pair col / 4 of the source row.
+      if (row < height) {
+        big.uv[static_cast<size_t>(row) * 2 * width + col] =
+            frame.uv[static_cast<size_t>(row / 2) * width + 2 * (col / 4) +
+                     col % 2];
+      }
     }
   }
-  for (int row = 0; row < height; ++row) {
-    for (int pair = 0; pair < width; ++pair) {
-      const uint8_t* src =
-          &frame.uv[static_cast<size_t>(row / 2) * pitch + 2 * (pair / 2)];
-      uint8_t* dst = &big.uv[static_cast<size_t>(row) * 2 * width + 2 * pair];
-      dst[0] = src[0];
-      dst[1] = src[1];
-    }
-  }
-  big.image = in;
-  big.image.width = 2 * width;
-  big.image.height = 2 * height;
-  big.image.stride = 0;
-  bind(big);
+  describe(big, frame.image.format, 2 * width, 2 * height);
   return big;
 }
 

@@ -19,14 +19,13 @@ struct Frame {
 // An 8-bit frame of `format` (NV21 or NV12): a smooth scene of a few
 // coloured regions, varied by `seed`. Chroma bytes are written in the
 // format's own order, so NV21 and NV12 frames of one seed show one scene.
-Frame makeFrame8(IMAGE_FORMAT_TYPE format, int width, int height, int seed,
-                 int stride = 0);
+Frame makeFrame8(IMAGE_FORMAT_TYPE format, int width, int height, int seed);
 
 // The 10-bit frame of the same scene: every sample of makeFrame8's NV12
 // frame times 4, in 16-bit words.
 Frame makeFrame10(int width, int height, int seed);
 
-// The same frame with every pixel repeated twice in each direction.
+// The same packed frame with every pixel repeated twice in each direction.
 Frame upscale2x(const Frame& frame);
 
 // Points `image` at the frame's current planes (after a copy or move).
