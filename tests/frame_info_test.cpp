@@ -77,54 +77,37 @@ TEST(FrameInfo, MembersCountEachColoursWorkingPixels) {
   for (int row = info.rows; row < 20; ++row) EXPECT_EQ(info.members[row], 0);
 }
 
+// A failed frame, after a good one, leaves no rows; so does a handle too
+// small for a working frame, where every frame fails in the resize.
 TEST(FrameInfo, EveryFailureReportsItsStatusWithNoRows) {
   struct Case {
     const char* what;
     void (*spoil)(Image&);
-    int32_t status;
   };
   const Case cases[] = {
       {"format refused by point preparation",
-       [](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; },
-       STATUS_INVALID_ARGUMENT},
-      {"odd width refused by the resize", [](Image& i) { i.width = 3999; },
-       STATUS_INVALID_ARGUMENT},
-      {"missing luma plane", [](Image& i) { i.yPlane = nullptr; },
-       STATUS_INVALID_ARGUMENT},
+       [](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; }},
+      {"odd width refused by the resize", [](Image& i) { i.width = 3999; }},
+      {"missing luma plane", [](Image& i) { i.yPlane = nullptr; }},
+      {"no image", nullptr},
   };
   Handle handle(linkedTable(), initRecord(4000, 3000));
   EXPECT_EQ(frameInfo(handle.get()).status, -1) << "before any frame";
+  Frame good = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
+  ProcessParamData param = request(8);
   for (const Case& c : cases) {
-    Frame good = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
-    ProcessParamData param = request(8);
     handle.process(&good.image, param);
     ASSERT_EQ(frameInfo(handle.get()).rows, 8) << c.what;
-
     Frame bad = good;
     pavona::testing::bind(bad);
-    c.spoil(bad.image);
-    handle.process(&bad.image, param);
+    if (c.spoil != nullptr) c.spoil(bad.image);
+    handle.process(c.spoil != nullptr ? &bad.image : nullptr, param);
     const PavonaFrameInfo info = frameInfo(handle.get());
-    EXPECT_EQ(info.status, c.status) << c.what;
-    EXPECT_EQ(info.rows, 0) << c.what;
-    EXPECT_EQ(info.passes, 0) << c.what;
-    EXPECT_EQ(info.members[0], 0) << c.what;
+    EXPECT_EQ(info.status, STATUS_INVALID_ARGUMENT) << c.what;
+    EXPECT_EQ(info.rows | info.passes | info.members[0], 0) << c.what;
   }
-}
-
-TEST(FrameInfo, FramesRefusedBeforeTheEngineOrWithoutAWorkingFrame) {
-  Handle handle(linkedTable(), initRecord(4000, 3000));
-  Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
-  ProcessParamData param = request(3);
-  handle.process(&frame.image, param);
-  ASSERT_EQ(frameInfo(handle.get()).status, 0);
-  handle.process(nullptr, param);
-  EXPECT_EQ(frameInfo(handle.get()).status, STATUS_INVALID_ARGUMENT);
-  EXPECT_EQ(frameInfo(handle.get()).rows, 0);
-
-  // Too small for a working frame: every frame fails in the resize.
   Handle tiny(linkedTable(), initRecord(48, 40));
-  tiny.process(&frame.image, param);
+  tiny.process(&good.image, param);
   const PavonaFrameInfo info = frameInfo(tiny.get());
   EXPECT_EQ(info.status, STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(info.workingWidth | info.rows | info.passes, 0);

@@ -106,23 +106,6 @@ TEST(PaletteRendering, FortyByThirtyWithThreeSwatches) {
                               {{10, 20, 30}, {200, 100, 0}, {0, 0, 254}}));
 }
 
-TEST(PaletteRendering, TwentySwatchesOnTheCameraWorkingSize) {
-  Engine e(124, 92, 20);
-  std::vector<Rgb> image(124 * 92, Rgb{1, 2, 3});
-  for (int i = 0; i < 124 * 92; ++i) e.engine.m_points[i] = {1, 2, 3};
-  std::vector<std::pair<int, int>> cols;
-  std::vector<Rgb> swatch;
-  for (int i = 0; i < 20; ++i) {
-    e.engine.m_clusters[i] = {static_cast<float>(10 * i), 0, 5};
-    cols.push_back({7 + 7 * i, 11 + 7 * i});
-    swatch.push_back({static_cast<uint8_t>(10 * i), 0, 5});
-  }
-  const Canvas canvas = e.draw(IMAGE_FORMAT_NV12);
-  EXPECT_EQ(canvas.width, 154);
-  EXPECT_EQ(canvas.height, 172);
-  expectCanvas(canvas, expectedCanvas(124, 92, image, cols, swatch));
-}
-
 TEST(PaletteRendering, BytesAreTruncatedAndTenBitShifted) {
   Engine e(2, 2, 1);
   for (int i = 0; i < 4; ++i) e.engine.m_points[i] = {1023, 512.7f, 3.9f};

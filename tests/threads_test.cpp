@@ -5,9 +5,8 @@
 // preset, which must stay quiet.
 #include <gtest/gtest.h>
 
-#include <condition_variable>
 #include <cstring>
-#include <mutex>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -48,31 +47,8 @@ Job makeJob(IMAGE_FORMAT_TYPE format, int width, int height, int firstSeed) {
   return job;
 }
 
-// Holds threads back until all exist, so that their frames interleave.
-class Gate {
- public:
-  explicit Gate(bool open) : open_(open) {}
-  void open() {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      open_ = true;
-    }
-    opened_.notify_all();
-  }
-  void wait() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    opened_.wait(lock, [this] { return open_; });
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable opened_;
-  bool open_;
-};
-
-// Runs a job's frames on one handle once `gate` opens.
-std::vector<ProcessParamData> run(Job& job, Gate& gate) {
-  gate.wait();
+// Runs a job's frames on one handle.
+std::vector<ProcessParamData> run(Job& job) {
   void* handle = nullptr;
   linkedTable().algoInitHandle(&handle, &job.init);
   std::vector<ProcessParamData> palettes(kFramesPerHandle);
@@ -98,15 +74,18 @@ TEST(Threads, HandlesOnSeveralThreadsGiveTheSingleThreadedPalettes) {
   std::vector<std::vector<ProcessParamData>> alone;
   std::vector<std::vector<ProcessParamData>> together(jobs.size());
   captureOutput([&] {
-    Gate open(true);
-    for (Job& job : jobs) alone.push_back(run(job, open));
-
-    Gate start(false);
+    for (Job& job : jobs) alone.push_back(run(job));
+    // Threads wait until all exist, so that their frames interleave.
+    std::promise<void> go;
+    const std::shared_future<void> start = go.get_future().share();
     std::vector<std::thread> threads;
     for (size_t j = 0; j < jobs.size(); ++j) {
-      threads.emplace_back([&, j] { together[j] = run(jobs[j], start); });
+      threads.emplace_back([&, j] {
+        start.wait();
+        together[j] = run(jobs[j]);
+      });
     }
-    start.open();
+    go.set_value();
     for (std::thread& thread : threads) thread.join();
   });
 
