@@ -83,7 +83,8 @@ RgbImage latticeOfBlocks() {
 }
 
 // NV12 and NV21 decode with their own chroma order, so a swapped pair
-// fails here too.
+// fails here too. NV21's bytes, and so the shared equations, rounding and
+// chroma means, SamplePalettes pins bit for bit.
 class RoundTrip : public ::testing::TestWithParam<IMAGE_FORMAT_TYPE> {};
 
 TEST_P(RoundTrip, EveryLatticeColourComesBackWithinOneStep) {
@@ -111,39 +112,6 @@ TEST_P(RoundTrip, EveryLatticeColourComesBackWithinOneStep) {
 INSTANTIATE_TEST_SUITE_P(Formats, RoundTrip,
                          ::testing::Values(IMAGE_FORMAT_NV21, IMAGE_FORMAT_NV12,
                                            IMAGE_FORMAT_YUV420SP_10BIT));
-
-TEST(RgbToSemiPlanar, GreysAreExactWithNeutralChroma) {
-  for (int grey = 0; grey <= 255; grey += 15) {
-    const RgbImage image = uniform(2, 2, {grey, grey, grey});
-    const uint8_t g = static_cast<uint8_t>(grey);
-    EXPECT_EQ(rgbToSemiPlanar(image, IMAGE_FORMAT_NV21).bytes,
-              std::vector<uint8_t>({g, g, g, g, 128, 128}));
-    YuvFrame tenBit = rgbToSemiPlanar(image, IMAGE_FORMAT_YUV420SP_10BIT);
-    // 1023 / 255 = 4.0118: grey 255 gives 1023, grey 15 gives 60.18 -> 60.
-    const int expected = static_cast<int>(grey * 1023.0 / 255.0 + 0.5);
-    EXPECT_EQ(sampleAt(tenBit, tenBit.yPlane(), 1, 1), expected);
-    EXPECT_EQ(sampleAt(tenBit, tenBit.uvPlane(), 0, 0), 512);
-    EXPECT_EQ(sampleAt(tenBit, tenBit.uvPlane(), 1, 0), 512);
-  }
-}
-
-TEST(RgbToSemiPlanar, LumaIsPerPixelAndChromaTheMeanOfTheBlock) {
-  // The conversion is linear, so the mean chroma of a block split between
-  // two colours is the chroma of their mean colour.
-  const Rgb a = {200, 40, 10}, b = {20, 100, 250}, mean = {110, 70, 130};
-  RgbImage split = uniform(2, 2, a);
-  std::copy(b.begin(), b.end(), split.pixels.begin() + 3);
-  std::copy(b.begin(), b.end(), split.pixels.begin() + 9);
-  YuvFrame mixed = rgbToSemiPlanar(split, IMAGE_FORMAT_NV21);
-  YuvFrame ofMean = rgbToSemiPlanar(uniform(2, 2, mean), IMAGE_FORMAT_NV21);
-  YuvFrame ofA = rgbToSemiPlanar(uniform(2, 2, a), IMAGE_FORMAT_NV21);
-  YuvFrame ofB = rgbToSemiPlanar(uniform(2, 2, b), IMAGE_FORMAT_NV21);
-  EXPECT_EQ(mixed.uvPlane()[0], ofMean.uvPlane()[0]);
-  EXPECT_EQ(mixed.uvPlane()[1], ofMean.uvPlane()[1]);
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(mixed.yPlane()[i], (i % 2 ? ofB : ofA).yPlane()[0]) << i;
-  }
-}
 
 TEST(RgbToSemiPlanar, OddSizesAreCroppedToEven) {
   YuvFrame frame =
