@@ -137,25 +137,6 @@ TEST(KMeansAlgo, MatchesTheFloat32Reference) {
   }
 }
 
-TEST(KMeansAlgo, IdenticalSamplesStopAfterOnePassWithClusterZeroFirst) {
-  const std::vector<_Point> grid(24, _Point{50, 60, 70});
-  for (int k : {4, 8}) {
-    KMeansAlgo kmeans;
-    kmeans.init(k, 0.001f);
-    std::vector<_Point> out(k);
-    kmeans.processKMeansAlgo(grid.data(), out.data(), 6, 4);
-    EXPECT_EQ(kmeans.m_passCount, 1);
-    // Every sample ties and stays with cluster 0.
-    EXPECT_EQ(kmeans.m_clusters[0].points.size(), 25u);
-    for (int i = 1; i < k; ++i)
-      EXPECT_EQ(kmeans.m_clusters[i].points.size(), 1u);
-    for (const _Point& centre : out) {
-      EXPECT_EQ(bitsOf(centre.r) ^ bitsOf(centre.g) ^ bitsOf(centre.b),
-                bitsOf(50) ^ bitsOf(60) ^ bitsOf(70));
-    }
-  }
-}
-
 TEST(KMeansAlgo, SixSamplesOnePassTakeDampedMeans) {
   // 3 x 2 seeds from indexes 1, 3, 3, 1. Samples 0 and 2 are nearer (0,10,0)
   // by the plain distance (100 < 121); samples 4 and 5 nearer (11,0,0) by
@@ -202,15 +183,6 @@ TEST(KMeansAlgo, ThresholdNotAboveFltMinRuns502Passes) {
     kmeans.processKMeansAlgo(c.grid->data(), out.data(), 4, 2);
     EXPECT_EQ(kmeans.m_passCount, c.passes) << c.threshold;
   }
-}
-
-TEST(KMeansAlgo, NoClustersWriteNothing) {
-  KMeansAlgo kmeans;
-  kmeans.init(0, 0.001f);
-  _Point out{-1, -1, -1};
-  kmeans.processKMeansAlgo(kWorkedGrid.data(), &out, 4, 2);
-  EXPECT_EQ(out.r, -1.0f);
-  EXPECT_EQ(kmeans.m_passCount, 1);
 }
 
 TEST(KMeansReCenter, SumsInListOrderAndLogsAnEmptyList) {
