@@ -1,6 +1,8 @@
 // Null records at the engine are refused without a line. That the preview
 // changes no row and that every working pixel is counted, the golden,
-// frame-info and tool tests show through the table.
+// frame-info and tool tests show through the table. The preview canvas is
+// drawn and dropped, so no host sees its pixels; the ASan, UBSan and
+// memcheck runs of the suites that ask for it watch its writes.
 #include <gtest/gtest.h>
 
 #include "src/KImages.h"

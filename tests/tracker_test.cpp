@@ -106,15 +106,6 @@ std::vector<Swatch> swatches(const std::vector<TrackedSwatch>& tracked) {
   return rows;
 }
 
-TEST(PaletteTracker, StaticSceneStopsFlickeringAfterTheFirstFrame) {
-  PaletteTracker tracker(0.3);
-  const auto scene = palette({{200, 30, 30}, {30, 200, 30}, {30, 30, 200}});
-  const std::vector<Swatch> first = swatches(tracker.update(scene));
-  for (int frame = 1; frame < 10; ++frame) {
-    EXPECT_EQ(paletteFlicker(first, swatches(tracker.update(scene))), 0);
-  }
-}
-
 TEST(PaletteTracker, FollowsACutWithinBoundedFrames) {
   PaletteTracker tracker(0.3);
   // One colour of the new scene is near an old one and is blended towards;
