@@ -190,32 +190,6 @@ TEST_F(EndToEnd, CallsPrintTheirLinesAndReturnTheirStatus) {
   }
 }
 
-// Frames that fail write no row and say where they failed; the facade
-// then prints its success line, inverted.
-TEST_F(EndToEnd, FailedFramesWriteNothingAndSayWhy) {
-  const struct {
-    void (*spoil)(Image&);
-    std::vector<std::string> err;
-  } cases[] = {
-      {[](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; },
-       {"[preparePoints][", "Pavona_SDK preparePoints unsupported",
-        "[processKImages][", "Pavona_SDK preparePoints process failed! \n"}},
-      {[](Image& i) { i.width = 3999; },
-       {"Pavona_SDK resize_v00 process failed! \n"}},
-  };
-  Handle handle(table(), initRecord(4000, 3000));
-  for (const auto& c : cases) {
-    Frame frame = makeFrame8(IMAGE_FORMAT_NV21, 4000, 3000, 3);
-    c.spoil(frame.image);
-    ProcessParamData param = processRecord(3);
-    auto out = handle.process(&frame.image, param);
-    EXPECT_EQ(writtenRows(param), 0);
-    EXPECT_THAT(out.out,
-                HasSubstr("pavonaProcess() pavona_process succeeded!\n \n"));
-    for (const std::string& text : c.err) EXPECT_THAT(out.err, HasSubstr(text));
-  }
-}
-
 // Frames that give the same palette: a smaller frame and its 2x upscale
 // meet the same working frame; NV12 is NV21 with its chroma pairs swapped;
 // an 8-bit frame on a 10-bit engine is processed.

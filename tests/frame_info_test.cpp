@@ -1,9 +1,11 @@
-// pavonaGetFrameInfo as a host sees it: linked against libPavona.so, fed
-// through the entry table.
+// pavonaGetFrameInfo, and what failed frames print, as a host sees them:
+// linked against libPavona.so, fed through the entry table.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "api/pavona_ext.h"
@@ -17,6 +19,7 @@ using pavona::testing::Handle;
 using pavona::testing::initRecord;
 using pavona::testing::linkedTable;
 using pavona::testing::makeFrame8;
+using ::testing::HasSubstr;
 
 PavonaFrameInfo frameInfo(void* handle) {
   PavonaFrameInfo info;
@@ -77,19 +80,27 @@ TEST(FrameInfo, MembersCountEachColoursWorkingPixels) {
   for (int row = info.rows; row < 20; ++row) EXPECT_EQ(info.members[row], 0);
 }
 
-// A failed frame, after a good one, leaves no rows; so does a handle too
-// small for a working frame, where every frame fails in the resize.
+// A failed frame, after a good one, writes no palette row, reports no
+// rows and says on stderr where it failed; the facade then prints its
+// success line, inverted. So does a handle too small for a working frame,
+// where every frame fails in the resize.
 TEST(FrameInfo, EveryFailureReportsItsStatusWithNoRows) {
+  const char* const kResize = "Pavona_SDK resize_v00 process failed! \n";
   struct Case {
     const char* what;
     void (*spoil)(Image&);
+    std::vector<std::string> err;
   };
   const Case cases[] = {
       {"format refused by point preparation",
-       [](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; }},
-      {"odd width refused by the resize", [](Image& i) { i.width = 3999; }},
-      {"missing luma plane", [](Image& i) { i.yPlane = nullptr; }},
-      {"no image", nullptr},
+       [](Image& i) { i.format = IMAGE_FORMAT_RESERVED10; },
+       {"[preparePoints][", "Pavona_SDK preparePoints unsupported",
+        "[processKImages][", "Pavona_SDK preparePoints process failed! \n"}},
+      {"odd width refused by the resize",
+       [](Image& i) { i.width = 3999; },
+       {kResize}},
+      {"missing luma plane", [](Image& i) { i.yPlane = nullptr; }, {kResize}},
+      {"no image", nullptr, {}},
   };
   Handle handle(linkedTable(), initRecord(4000, 3000));
   EXPECT_EQ(frameInfo(handle.get()).status, -1) << "before any frame";
@@ -101,7 +112,17 @@ TEST(FrameInfo, EveryFailureReportsItsStatusWithNoRows) {
     Frame bad = good;
     pavona::testing::bind(bad);
     if (c.spoil != nullptr) c.spoil(bad.image);
-    handle.process(c.spoil != nullptr ? &bad.image : nullptr, param);
+    ProcessParamData spoilt = request(8);
+    std::memset(spoilt.palette, 0x5a, sizeof spoilt.palette);
+    const ProcessParamData before = spoilt;
+    const auto out =
+        handle.process(c.spoil != nullptr ? &bad.image : nullptr, spoilt);
+    EXPECT_EQ(std::memcmp(&spoilt, &before, sizeof before), 0) << c.what;
+    for (const std::string& text : c.err) {
+      EXPECT_THAT(out.err, HasSubstr(text)) << c.what;
+      EXPECT_THAT(out.out,
+                  HasSubstr("pavonaProcess() pavona_process succeeded!\n \n"));
+    }
     const PavonaFrameInfo info = frameInfo(handle.get());
     EXPECT_EQ(info.status, STATUS_INVALID_ARGUMENT) << c.what;
     EXPECT_EQ(info.rows | info.passes | info.members[0], 0) << c.what;
