@@ -1,14 +1,11 @@
 #!/usr/bin/env python3
 """Float32 colour science for tests/data/colour_bits.txt: sRGB -> L*a*b*,
-CIEDE2000, and a palette row's lightness figure and saturation boost.
-
-Written from the published formulas with each step's precision spelled
-out, one operation at a time: a double result rounded to float32 is the
-correctly rounded float32 result for + - * / and sqrt; powf, atan2f and
-cosf come from the C maths library, as for the plug-in. Prints the table,
-every value as the hex bits of a float32:
-  lab R G B -> L A B
-  de L1 A1 B1 L2 A2 B2 -> DE
+CIEDE2000, and a palette row's lightness figure and saturation boost, from
+the published formulas with each step's precision spelled out (a double
+result rounded to float32 is the correctly rounded float32 result for
++ - * / and sqrt; powf, atan2f and cosf come from the C maths library, as
+for the plug-in). Prints every value as the hex bits of a float32:
+  lab R G B -> L A B;  de L1 A1 B1 L2 A2 B2 -> DE;
   row SCALE R G B -> R' G' B' FIGURE
 Usage: tests/colour_reference.py > tests/data/colour_bits.txt
 """
@@ -127,21 +124,16 @@ def next_up(x, steps=1):
 
 
 def first_grey_above_knee():
-    low, high = 0.05, 0.15  # rgb_to_lab(low) is below the knee, high above
-    while next_up(low) < high:
-        middle = f32((low + high) / 2)
-        if middle in (low, high):
-            middle = next_up(low)
-        if linear(middle) > KNEE:
-            high = middle
-        else:
-            low = middle
+    low, high = 0.05, 0.15  # below the knee, above it
+    while high > next_up(low):
+        middle = next_up(low, (bits(high) - bits(low)) // 2)
+        low, high = (low, middle) if linear(middle) > KNEE else (middle, high)
     return high
 
 
 def colours(rng):
-    """Channel triples in 0..1: greys through the companding threshold and
-    just past the Lab knee, 8-bit and 10-bit frame values, dark colours."""
+    """Greys through the companding threshold and just past the Lab knee,
+    8-bit and 10-bit frame values, dark colours; channels in 0..1."""
     threshold, knee = f32(0.04045), first_grey_above_knee()
     greys = [v / 255 for v in range(0, 41)] + [
         threshold, next_up(threshold), 0.5, 1.0] + [
@@ -271,18 +263,14 @@ def centres(rng):
 
 def main():
     rng = random.Random(18)
-    labs = []
-    for r, g, b in colours(rng):
-        lab = rgb_to_lab(r, g, b)
-        labs.append(lab)
-        print("lab", *(f"{bits(v):08x}" for v in (r, g, b)), "->",
-              *(f"{bits(v):08x}" for v in lab))
-    for first, second in pairs(rng, labs):
-        print("de", *(f"{bits(v):08x}" for v in first + second), "->",
-              f"{bits(ciede2000(*first, *second)):08x}")
-    for scale, r, g, b in centres(rng):
-        print("row", *(f"{bits(v):08x}" for v in (scale, r, g, b)), "->",
-              *(f"{bits(v):08x}" for v in palette_row(scale, r, g, b)))
+    rgbs = colours(rng)
+    labs = [rgb_to_lab(*rgb) for rgb in rgbs]
+    rows = [("lab", rgb, lab) for rgb, lab in zip(rgbs, labs)]
+    rows += [("de", p + q, [ciede2000(*p, *q)]) for p, q in pairs(rng, labs)]
+    rows += [("row", c, palette_row(*c)) for c in centres(rng)]
+    for kind, inputs, outputs in rows:
+        print(kind, *(f"{bits(v):08x}" for v in inputs), "->",
+              *(f"{bits(v):08x}" for v in outputs))
 
 
 if __name__ == "__main__":
