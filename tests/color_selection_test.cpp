@@ -1,3 +1,6 @@
+// The palette rows' order by distinctness. A single centre's row (its
+// lightness figure and boost) tests/data/colour_bits.txt pins bit for bit,
+// at every scale.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -48,52 +51,6 @@ class ColorChosen : public ::testing::Test {
   KImages engine_;
   ProcessParamData record_{};
 };
-
-// One centre: distinctness 0, row 0. Figures are (min + max) * 10 / 51.
-// - (200, 100, 100): t = 300/255, l ~ 0.588, sat ~ 0.476, so the factor is
-//   0.25 about mid = 150; every step lands exactly on these floats.
-// - grey: no chroma, left alone.
-// - (255, 0, 0): l = 0.5, sat = 1, factor 1/1 - 1 = 0.
-// - (100, 0, 0): l ~ 0.196 < 0.5, so sat = d / t = 1 and it stays (the
-//   other form, d / (2 - t), would give 0.24 and change it).
-// - Other formats have scale 1: (255, 0, 0) has l = 127.5 and sat < 0, so
-//   the factor is 0.25 about mid = 127.5.
-TEST_F(ColorChosen, SingleCentreWorkedExamples) {
-  const struct {
-    _Point centre;
-    IMAGE_FORMAT_TYPE format;
-    Row want;
-  } cases[] = {
-      {{200, 100, 100}, IMAGE_FORMAT_NV21, {212.5f, 87.5f, 87.5f, 58.82353f}},
-      {{80, 80, 80}, IMAGE_FORMAT_NV12, {80, 80, 80, 1600.0f / 51.0f}},
-      {{255, 0, 0}, IMAGE_FORMAT_NV21, {255, 0, 0, 50}},
-      {{100, 0, 0}, IMAGE_FORMAT_NV12, {100, 0, 0, 1000.0f / 51.0f}},
-      {{255, 0, 0},
-       IMAGE_FORMAT_RESERVED10,
-       {286.875f, -31.875f, -31.875f, 50}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(::testing::Message()
-                 << c.centre.r << ", " << c.centre.g << ", " << c.centre.b);
-    run({c.centre}, c.format);
-    expectRow(0, c.want);
-    EXPECT_EQ(engine_.m_lastFrame.rows, 1);
-    EXPECT_EQ(engine_.m_lastFrame.cluster[0], 0);
-    expectUnwrittenFrom(1);
-  }
-}
-
-// 10-bit: the figure is still (min + max) * 10 / 51 and passes 100. The
-// saturation of (1000, 600, 600) over 1024 is ~0.89, raised to full: the
-// largest channel reaches the scale, 1024 (1023 with a scale of 1023).
-TEST_F(ColorChosen, TenBitUsesScale1024AndFigureExceeds100) {
-  run({{1000, 600, 600}}, IMAGE_FORMAT_YUV420SP_10BIT);
-  const float* row = record_.palette[0];
-  EXPECT_NEAR(row[0], 1024.0, 1e-3);
-  EXPECT_NEAR(row[1], 576.0, 1e-3);
-  EXPECT_EQ(row[1], row[2]);
-  EXPECT_EQ(row[3], 16000.0f / 51.0f);
-}
 
 // Neutral centres differ only in L*: black 0, (10, 10, 10) ~ 2.742 (linear
 // branch), white 100. With S_L from the mean lightness, black-grey ~ 1.59,

@@ -205,28 +205,4 @@ TYPED_TEST(Nv21ToRgbEntry, RejectsBadArgumentsWithoutWriting) {
   for (float v : out) ASSERT_EQ(v, -3.0f);
 }
 
-// Both checks pass more than a row really needs: output rows 3 * width
-// bytes apart overlap, and the final bytes still follow the scalar write
-// order; a luma stride of width samples passes for 16-bit samples too.
-TYPED_TEST(Nv21ToRgbEntry, LooseStrideChecksPass) {
-  using L = TypeParam;
-  using T = typename L::Sample;
-  const int w = 20, h = 6;
-  std::mt19937 rng(3);
-  Image<T> image(w, h, 0);
-  fillRandom(image.luma, rng, L::kBits);
-  fillRandom(image.chroma, rng, L::kBits);
-  const size_t floats = static_cast<size_t>((h - 1) * 3 * w + 12 * w) / 4;
-  std::vector<float> viaEntry(floats, 1.0f), viaScalar(floats, 1.0f);
-  EXPECT_EQ(0, L::entry(image.luma.data(), image.chroma.data(), viaEntry.data(),
-                        w, h, image.strideBytes(), image.strideBytes(), 3 * w));
-  L::scalar(image.luma.data(), image.chroma.data(), viaScalar.data(), w, h,
-            image.strideBytes(), image.strideBytes(), 3 * w);
-  EXPECT_EQ(0, std::memcmp(viaEntry.data(), viaScalar.data(),
-                           floats * sizeof(float)));
-  std::vector<float> out(3 * w * h);
-  EXPECT_EQ(0, L::entry(image.luma.data(), image.chroma.data(), out.data(), w,
-                        h, w, w, 12 * w));
-}
-
 }  // namespace

@@ -246,9 +246,12 @@ TEST(HostileRecords, ExtremeColourCountsAndFlagsGiveTheClampedResult) {
     handle.process(&frame.image, param);
     return param;
   };
-  EXPECT_TRUE(samePalette(run(INT_MIN, 0), run(3, 0)));
-  EXPECT_TRUE(samePalette(run(-1, 0), run(3, 0)));
-  EXPECT_TRUE(samePalette(run(INT_MAX, 0), run(20, 0)));
+  for (const int32_t below : {INT_MIN, -1, 0}) {
+    EXPECT_TRUE(samePalette(run(below, 0), run(3, 0))) << below;
+  }
+  for (const int32_t above : {21, INT_MAX}) {
+    EXPECT_TRUE(samePalette(run(above, 0), run(20, 0))) << above;
+  }
   EXPECT_TRUE(samePalette(run(4, 255), run(4, 0)));
   EXPECT_FALSE(paletteUntouched(run(INT_MAX, 255)));
 }
