@@ -3,7 +3,6 @@
 // tool's inverse of it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>

@@ -1,6 +1,6 @@
 // The pavona binary end to end: its command line and error paths, and what
-// it reports about the plug-in's palette, checked against the rendering
-// and colour rules worked out independently here.
+// it reports about the plug-in's palette, checked against a worked boost,
+// the same frame given raw, and the preview it draws.
 #include <gtest/gtest.h>
 
 #include <algorithm>
