@@ -19,6 +19,13 @@ float32x4_t addSample(float32x4_t sum, const _Point* sample) {
   return vaddq_f32(sum, vld1q_f32(&sample->r));
 }
 
+// A sample on its own, through the sum in memory: where labels change
+// within four samples, runs are too short to keep in a register.
+void addOne(ListSum& sum, const _Point* sample) {
+  vst1q_f32(&sum.r, addSample(vld1q_f32(&sum.r), sample));
+  ++sum.count;
+}
+
 }  // namespace
 
 void addList(ListSum& sum, const _Point* first, const _Point* last) {
@@ -41,26 +48,28 @@ void addMembers_NEON(const _Point* samples, const int* labels, int count,
                      ListSum* sums) {
   const int loaded = count - 1;
   int j = 0;
-  while (j < loaded) {
+  while (j + 4 <= loaded) {
     const int label = labels[j];
     const int32x4_t labelVector = vdupq_n_s32(label);
+    if (!sameLabels(labels + j, labelVector)) {
+      for (int l = 0; l < 4; ++l) addOne(sums[labels[j + l]], samples + j + l);
+      j += 4;
+      continue;
+    }
     ListSum& sum = sums[label];
     float32x4_t run = vld1q_f32(&sum.r);
     const int first = j;
-    while (j + 4 <= loaded && sameLabels(labels + j, labelVector)) {
+    do {
       run = addSample(run, samples + j);
       run = addSample(run, samples + j + 1);
       run = addSample(run, samples + j + 2);
       run = addSample(run, samples + j + 3);
       j += 4;
-    }
-    while (j < loaded && labels[j] == label) {
-      run = addSample(run, samples + j);
-      ++j;
-    }
+    } while (j + 4 <= loaded && sameLabels(labels + j, labelVector));
     vst1q_f32(&sum.r, run);
     sum.count += j - first;
   }
+  for (; j < loaded; ++j) addOne(sums[labels[j]], samples + j);
   if (j < count) addList(sums[labels[j]], samples + j, samples + j + 1);
 }
 
