@@ -40,7 +40,8 @@ endfunction()
 
 pavona_add_layer(base SEES base)
 pavona_add_layer(kernels SEES base zel colorconv
-  src/neon/kmeans_assign.h src/neon/cluster_sort.h)
+  src/neon/kmeans_assign.h src/neon/kmeans_sums.h
+  src/neon/cluster_sort.h)
 # The engine's calls take the host's records, so it sees that one header of
 # the face.
 pavona_add_layer(engine SEES base zel colorconv src api/pavona_host.h)

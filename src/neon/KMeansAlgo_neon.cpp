@@ -11,12 +11,16 @@
 #include "base/log_sink.h"
 #include "src/neon/cluster_sort.h"
 #include "src/neon/kmeans_assign.h"
+#include "src/neon/kmeans_sums.h"
 
 namespace {
 
 // The k-means unit's console sink: it does not follow the API's log switch
 // and always prints 1 in its place.
 constexpr auto logPrint = pavona::logPrintIgnoringSwitch;
+
+using pavona::internal::addList;
+using pavona::internal::ListSum;
 
 // A pass counter above this ends the loop, so at most 502 passes run.
 constexpr int kMaxPassCounter = 500;
@@ -33,27 +37,6 @@ float centreShift(const _Point& from, const _Point& to) {
   return std::sqrt((dr2 + dr2 + 4.0f * dg2) + 3.0f * db2);
 }
 
-// A list's channels summed in list order from 0, and its length.
-struct ListSum {
-  float r = 0.0f;
-  float g = 0.0f;
-  float b = 0.0f;
-  int count = 0;
-};
-
-void add(ListSum& sum, const _Point* first, const _Point* last) {
-  // Locals, so that the compiler keeps the three chains in registers.
-  float r = sum.r;
-  float g = sum.g;
-  float b = sum.b;
-  for (const _Point* point = first; point != last; ++point) {
-    r += point->r;
-    g += point->g;
-    b += point->b;
-  }
-  sum = {r, g, b, sum.count + static_cast<int>(last - first)};
-}
-
 // The component-wise mean of a list; three NaNs and a record when empty.
 _Point meanOf(const ListSum& sum) {
   if (sum.count == 0) {
@@ -63,29 +46,6 @@ _Point meanOf(const ListSum& sum) {
   }
   const float n = static_cast<float>(sum.count);
   return {sum.r / n, sum.g / n, sum.b / n};
-}
-
-// Adds sample j to the sum of cluster labels[j], for j = 0 ... count-1 in
-// order. A run of equal labels is summed in registers: neighbouring samples
-// mostly share a cluster, and the runs of different clusters overlap in the
-// core.
-void addMembers(const _Point* points, const int* labels, int count,
-                ListSum* sums) {
-  for (int j = 0; j < count;) {
-    const int label = labels[j];
-    ListSum& sum = sums[label];
-    float r = sum.r;
-    float g = sum.g;
-    float b = sum.b;
-    const int first = j;
-    do {
-      r += points[j].r;
-      g += points[j].g;
-      b += points[j].b;
-      ++j;
-    } while (j < count && labels[j] == label);
-    sum = {r, g, b, sum.count + (j - first)};
-  }
 }
 
 // Calls visit(label, first, last) for each run [first, last) of equal
@@ -159,7 +119,7 @@ void KMeansAlgo::initClusters(const _Point* points, int width, int height) {
 
 _Point KMeansAlgo::reCenter(std::vector<_Point>& points) {
   ListSum sum;
-  add(sum, points.data(), points.data() + points.size());
+  addList(sum, points.data(), points.data() + points.size());
   return meanOf(sum);
 }
 
@@ -197,13 +157,14 @@ void KMeansAlgo::processKMeansAlgo(const _Point* points, _Point* out, int width,
       sums[i] = ListSum();
       if (pass == 0) {
         const std::vector<_Point>& left = m_clusters[i].points;
-        add(sums[i], left.data(), left.data() + left.size());
+        addList(sums[i], left.data(), left.data() + left.size());
       }
       // The starting centre counts as one member: the mean is damped.
-      add(sums[i], &centres[i], &centres[i] + 1);
+      addList(sums[i], &centres[i], &centres[i] + 1);
     }
     assignment.assign(centres.data(), k);
-    addMembers(points, labels.get(), members, sums.data());
+    pavona::internal::addMembers_NEON(points, labels.get(), members,
+                                      sums.data());
 
     float largestShift = FLT_MIN;
     for (int i = 0; i < k; ++i) {
