@@ -61,14 +61,18 @@ void KImages::colorChosen(float (*palette)[4], IMAGE_FORMAT_TYPE format) {
   const int k = m_colorNum;
   const float scale = sampleScale(format);
 
-  // Both conversions are redone for every pair; the sums depend on nothing
-  // else, and j runs upward so the float additions keep their order.
-  std::vector<float> distinctness(k, 0.0f);
+  // Each centre is converted once: a conversion depends on nothing but
+  // its centre. j runs upward so the float additions keep their order.
+  struct Ranked {
+    float distinctness = 0.0f;
+    CIEDE2000::LAB lab;
+  };
+  std::vector<Ranked> centres(k);
+  for (int i = 0; i < k; ++i) centres[i].lab = toLab(m_clusters[i], scale);
   for (int i = 0; i < k; ++i) {
     for (int j = 0; j < k; ++j) {
-      const CIEDE2000::LAB labI = toLab(m_clusters[i], scale);
-      const CIEDE2000::LAB labJ = toLab(m_clusters[j], scale);
-      distinctness[i] += CIEDE2000::CIEDE2000(labI, labJ);
+      centres[i].distinctness +=
+          CIEDE2000::CIEDE2000(centres[i].lab, centres[j].lab);
     }
   }
 
@@ -76,7 +80,7 @@ void KImages::colorChosen(float (*palette)[4], IMAGE_FORMAT_TYPE format) {
   // then has fewer than k written rows, by design.
   std::map<float, int, std::greater<float>> ranking;
   for (int i = 0; i < k; ++i) {
-    ranking.emplace(distinctness[i], i);
+    ranking.emplace(centres[i].distinctness, i);
   }
 
   int n = 0;
