@@ -22,6 +22,10 @@ void TableHandle::process(Nv21Frame frame, ProcessParamData& param) {
   image.stride = kFrameStride;
   image.yPlane = frame.y;
   image.uvPlane = frame.vu;
+  process(image, param);
+}
+
+void TableHandle::process(Image& image, ProcessParamData& param) {
   api_.singleProcessImage(handle_, &image, &param, nullptr);
 }
 

@@ -1,5 +1,5 @@
-// A handle of the plug-in for 4000 x 3000 NV21 frames, reached as a camera
-// host reaches it: through the entry table, logs off.
+// A handle of the plug-in set up for 4000 x 3000 NV21 frames, reached as a
+// camera host reaches it: through the entry table, logs off.
 #ifndef PAVONA_BENCH_TABLE_HANDLE_H_
 #define PAVONA_BENCH_TABLE_HANDLE_H_
 
@@ -15,8 +15,11 @@ class TableHandle {
   TableHandle(const TableHandle&) = delete;
   TableHandle& operator=(const TableHandle&) = delete;
 
-  // singleProcessImage on one frame.
+  // singleProcessImage on one 4000 x 3000 frame.
   void process(Nv21Frame frame, ProcessParamData& param);
+  // singleProcessImage on an image of any size, which the handle resamples
+  // to its working size.
+  void process(Image& image, ProcessParamData& param);
 
  private:
   PavonaApi api_{};

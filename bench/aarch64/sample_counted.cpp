@@ -10,7 +10,7 @@
 #include "api/pavona_host.h"
 #include "bench/aarch64/counted_cases.h"
 #include "bench/console_silencer.h"
-#include "bench/nv21_frames.h"
+#include "bench/table_handle.h"
 
 namespace bench {
 
@@ -36,15 +36,7 @@ void countSample(const char* path, int width, int height, int k) {
   const std::size_t luma = std::size_t(width) * height;
   std::vector<uint8_t> frame = readFrame(path, luma + luma / 2);
   const ConsoleSilencer quiet;
-  PavonaApi api{};
-  get_algo_api(&api);
-  api.setLogStatus(0);
-  InitParamData init{};
-  init.width = kFrameWidth;
-  init.height = kFrameHeight;
-  init.format = IMAGE_FORMAT_NV21;
-  void* handle = nullptr;
-  api.algoInitHandle(&handle, &init);
+  TableHandle table;
   Image image{};
   image.format = IMAGE_FORMAT_NV21;
   image.width = width;
@@ -54,10 +46,7 @@ void countSample(const char* path, int width, int height, int k) {
   image.uvPlane = frame.data() + luma;
   ProcessParamData param{};
   param.colorNum = k;
-  countRepeats(kCountedFrames, [&] {
-    api.singleProcessImage(handle, &image, &param, nullptr);
-  });
-  api.releaseHandle(handle, nullptr);
+  countRepeats(kCountedFrames, [&] { table.process(image, param); });
 }
 
 }  // namespace bench
