@@ -82,8 +82,10 @@ TEST(ToolVideo, FramesGoThroughTheTableAndFlickerIsTheJumpAtACut) {
   EXPECT_EQ(picked[2]["index"], 6);
 
   const std::string timeline = ::testing::TempDir() + "pavona_timeline.png";
-  const ToolRun text = runTool({"--timeline", timeline, clip});
+  const ToolRun text = runTool(
+      {"--timeline", timeline, "--preview", timeline + ".unused.png", clip});
   ASSERT_EQ(text.status, 0) << text.err;
+  EXPECT_NE(text.err.find("--preview draws pictures"), std::string::npos);
   double median = -1, p95 = -1, max = -1;
   const size_t line = text.out.find("flicker");
   ASSERT_NE(line, std::string::npos) << text.out;

@@ -72,6 +72,14 @@ bool isVideo(const Options& options, const std::string& path) {
   return !head.empty() && !isPicture(head.data(), head.size());
 }
 
+// An option that does not apply to this kind of input: said once a file,
+// so that a missing picture is not a mystery.
+void noteIgnored(const std::string& path, const std::string& option,
+                 const char* why) {
+  if (option.empty()) return;
+  std::fprintf(stderr, "pavona: %s: %s\n", path.c_str(), why);
+}
+
 void makeDirectory(const std::string& option) {
   if (option.empty() || option.back() != '/') return;
   std::error_code error;
@@ -96,6 +104,8 @@ int runAll(const Options& options) {
     FrameReport report;
     try {
       if (isVideo(options, path)) {
+        noteIgnored(path, options.preview,
+                    "--preview draws pictures; a video's is --timeline");
         const std::string timeline =
             options.timeline.empty()
                 ? ""
@@ -106,6 +116,8 @@ int runAll(const Options& options) {
           reports.push_back(std::move(frame));
         }
       } else {
+        noteIgnored(path, options.timeline,
+                    "--timeline draws videos; left out for a picture");
         report = process(runner, options, i);
         text = formatText(report, swatches);
       }
