@@ -79,6 +79,10 @@ struct CentreVectors {
   float32x4_t b;
 };
 
+CentreVectors broadcast(const _Point& centre) {
+  return {vdupq_n_f32(centre.r), vdupq_n_f32(centre.g), vdupq_n_f32(centre.b)};
+}
+
 float32x4x3_t loadSamples(SamplePlanes samples, int j) {
   return {{vld1q_f32(samples.r + j), vld1q_f32(samples.g + j),
            vld1q_f32(samples.b + j)}};
@@ -172,11 +176,7 @@ void assignChunks(SamplePlanes samples, int body, const _Point* centres, int k,
   CentreVectors chunk[kChunk];
   for (int first = 0; first < k; first += kChunk) {
     const int n = std::min(kChunk, k - first);
-    for (int i = 0; i < n; ++i) {
-      chunk[i] = {vdupq_n_f32(centres[first + i].r),
-                  vdupq_n_f32(centres[first + i].g),
-                  vdupq_n_f32(centres[first + i].b)};
-    }
+    for (int i = 0; i < n; ++i) chunk[i] = broadcast(centres[first + i]);
     if (first == 0) {
       assignBody<true>(samples, 0, body, chunk, first, n, nearest, labels);
     } else {
@@ -528,11 +528,9 @@ void assignNearest_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, float* nearest, int* labels) {
   // Without a centre the body never reaches the registers' start.
   const int body = k < 1 ? 0 : count / 4 * 4;
-  std::memset(nearest + body, kFarByte, sizeof(float) * (count - body));
-  std::memset(labels + body, 0, sizeof(int) * (count - body));
   assignChunks(samples, body, centres, k, nearest, labels);
-  assignTail([&](int j) { return sampleAt(samples, j); }, body, count, centres,
-             k, nearest, labels);
+  assignTailFromFar([&](int j) { return sampleAt(samples, j); }, body, count,
+                    centres, k, nearest, labels);
 }
 
 void assignNearest_C(const _Point* samples, int count, const _Point* centres,
@@ -555,10 +553,7 @@ void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, const GapMargins& margins, bool held,
                         float* gaps, int* labels) {
   CentreVectors vectors[kMaxBoundedCentres];
-  for (int i = 0; i < k; ++i) {
-    vectors[i] = {vdupq_n_f32(centres[i].r), vdupq_n_f32(centres[i].g),
-                  vdupq_n_f32(centres[i].b)};
-  }
+  for (int i = 0; i < k; ++i) vectors[i] = broadcast(centres[i]);
   const int body = count / 4 * 4;
   if (held) {
     carryBody(samples, body, vectors, k, margins, gaps, labels);
