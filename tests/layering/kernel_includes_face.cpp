@@ -1,2 +1,5 @@
 // A kernel source reaching up into the host face: must not compile.
+// What it may use comes first: a view without it fails on another header.
+#include "base/sample_types.h"
+
 #include "api/pavona_host.h"
