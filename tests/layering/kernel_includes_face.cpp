@@ -1,5 +1,5 @@
 // A kernel source reaching up into the host face: must not compile.
-// What it may use comes first: a view without it fails on another header.
+// What it may use is found first: a view without it fails on that header.
 #include "base/sample_types.h"
-
+using Allowed = _Point;
 #include "api/pavona_host.h"
