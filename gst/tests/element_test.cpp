@@ -405,6 +405,30 @@ TEST(PavonaPalette, DrawPaintsOnlyTheBand) {
   }
 }
 
+// With smoothing the second scene's palette keeps some of the first's; the
+// first palette shows as the plug-in's either way.
+TEST(PavonaPalette, SmoothCarriesTheLastPaletteOver) {
+  std::string hexes[2][2];
+  for (int smooth = 0; smooth < 2; ++smooth) {
+    Harnessed e(
+        smooth ? "pavonapalette seed=1 smooth=0.5" : "pavonapalette seed=1",
+        capsFor(GST_VIDEO_FORMAT_NV12, 640, 480));
+    for (int scene = 0; scene < 2; ++scene) {
+      gst_buffer_unref(
+          e.push(makeBuffer(GST_VIDEO_FORMAT_NV12, 640, 480, scene + 1)));
+      const GValue* colors =
+          gst_structure_get_value(e.log.palettes.at(scene).get(), "colors");
+      for (guint row = 0; row < gst_value_array_get_size(colors); ++row) {
+        hexes[smooth][scene] += gst_structure_get_string(
+            gst_value_get_structure(gst_value_array_get_value(colors, row)),
+            "hex");
+      }
+    }
+  }
+  EXPECT_EQ(hexes[1][0], hexes[0][0]);
+  EXPECT_NE(hexes[1][1], hexes[0][1]);
+}
+
 // Every start after a stop gets its own handle; run under ASan or memcheck,
 // nothing of the plug-in's or the element's may be left behind.
 TEST(PavonaPalette, RepeatedNullPlayingNull) {
