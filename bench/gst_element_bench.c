@@ -17,6 +17,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "frame_record.h"
 #include "pavona_host.h"
 
 enum { kRounds = 9, kFrames = 20, kSeed = 1 };
@@ -54,38 +55,6 @@ static GstSample* photo_frame(const char* format, int width, int height) {
   return sample;
 }
 
-/* The frame as a host hands it to the plug-in: NV12 planes as they are,
- * P010 as words holding 0..1023 (done once, outside the timing). */
-static Image plugin_image(GstVideoFrame* frame, guint16** words) {
-  Image image;
-  memset(&image, 0, sizeof image);
-  image.width = GST_VIDEO_FRAME_WIDTH(frame);
-  image.height = GST_VIDEO_FRAME_HEIGHT(frame);
-  image.stride = GST_VIDEO_FRAME_PLANE_STRIDE(frame, 0);
-  image.yPlane = GST_VIDEO_FRAME_PLANE_DATA(frame, 0);
-  image.uvPlane = GST_VIDEO_FRAME_PLANE_DATA(frame, 1);
-  image.format = IMAGE_FORMAT_NV12;
-  *words = NULL;
-  if (GST_VIDEO_FRAME_FORMAT(frame) == GST_VIDEO_FORMAT_P010_10LE) {
-    const gsize luma = (gsize)image.width * image.height;
-    *words = g_new(guint16, luma * 3 / 2);
-    for (int plane = 0; plane < 2; ++plane) {
-      guint16* out = *words + plane * luma;
-      for (int row = 0; row < image.height >> plane; ++row) {
-        const guint16* in =
-            (const guint16*)((guint8*)GST_VIDEO_FRAME_PLANE_DATA(frame, plane) +
-                             (gsize)row * image.stride);
-        for (int i = 0; i < image.width; ++i) *out++ = in[i] >> 6;
-      }
-    }
-    image.format = IMAGE_FORMAT_YUV420SP_10BIT;
-    image.stride = image.width * 2;
-    image.yPlane = *words;
-    image.uvPlane = *words + luma;
-  }
-  return image;
-}
-
 static double plugin_round(const PavonaApi* api, void* handle, Image* image) {
   const double start = thread_seconds();
   for (int i = 0; i < kFrames; ++i) {
@@ -119,8 +88,11 @@ static void bench_case(FILE* report, const PavonaApi* api, const char* format,
   gst_video_info_from_caps(&info, gst_sample_get_caps(sample));
   GstVideoFrame frame;
   gst_video_frame_map(&frame, &info, buffer, GST_MAP_READ);
-  guint16* words;
-  Image image = plugin_image(&frame, &words);
+  /* The element's own frame record, filled once, outside the timing. */
+  PavonaScratch scratch = {NULL, 0};
+  pavona_scratch_reset(&scratch, &info);
+  Image image;
+  pavona_frame_record_fill(&image, &frame, &scratch);
   InitParamData init;
   memset(&init, 0, sizeof init);
   init.width = width;
@@ -150,7 +122,7 @@ static void bench_case(FILE* report, const PavonaApi* api, const char* format,
   gst_harness_teardown(h);
   gst_object_unref(bus);
   api->releaseHandle(handle, NULL);
-  g_free(words);
+  pavona_scratch_free(&scratch);
   gst_video_frame_unmap(&frame);
   gst_sample_unref(sample);
 }

@@ -10,19 +10,21 @@
 # PkgConfig is found in the including scope, where callers may go on to ask
 # it for more.
 find_package(PkgConfig QUIET)
+if(PKG_CONFIG_FOUND AND NOT CMAKE_CROSSCOMPILING)
+  execute_process(COMMAND ${PKG_CONFIG_EXECUTABLE} --exists libunwind
+    RESULT_VARIABLE pavona_unwind_missing)
+  if(pavona_unwind_missing)
+    set(pavona_unwind_shim ${PROJECT_BINARY_DIR}/pkgconfig-shim)
+    file(WRITE ${pavona_unwind_shim}/libunwind.pc
+      "Name: libunwind\nDescription: stand-in, linked statically only\n"
+      "Version: 1.6\n")
+    set(ENV{PKG_CONFIG_PATH} "${pavona_unwind_shim}:$ENV{PKG_CONFIG_PATH}")
+  endif()
+endif()
 function(pavona_find_gstreamer prefix)
   set(${prefix}_FOUND FALSE PARENT_SCOPE)
   if(CMAKE_CROSSCOMPILING OR NOT PKG_CONFIG_FOUND)
     return()
-  endif()
-  execute_process(COMMAND ${PKG_CONFIG_EXECUTABLE} --exists libunwind
-    RESULT_VARIABLE unwind_missing)
-  if(unwind_missing)
-    set(shim ${PROJECT_BINARY_DIR}/pkgconfig-shim)
-    file(WRITE ${shim}/libunwind.pc
-      "Name: libunwind\nDescription: stand-in, linked statically only\n"
-      "Version: 1.6\n")
-    set(ENV{PKG_CONFIG_PATH} "${shim}:$ENV{PKG_CONFIG_PATH}")
   endif()
   pkg_check_modules(${prefix} QUIET IMPORTED_TARGET GLOBAL ${ARGN})
   set(${prefix}_FOUND ${${prefix}_FOUND} PARENT_SCOPE)

@@ -2,10 +2,38 @@
 
 #include <stdlib.h>
 
+#include "frame_record.h"
 #include "palette_band.h"
 #include "palette_message.h"
 #include "pavona_ext.h"
+#include "pavona_host.h"
 #include "tracker/palette_tracker_c.h"
+
+/* The element's properties; a frame is analysed with a copy taken as it
+ * arrives. */
+typedef struct PavonaPaletteSettings {
+  gint colors;
+  guint interval;
+  gboolean post_messages;
+  gboolean draw;
+  gint seed;
+  gdouble smooth;
+} PavonaPaletteSettings;
+
+struct _GstPavonaPalette {
+  GstVideoFilter parent;
+
+  PavonaPaletteSettings props; /* under the object lock */
+
+  /* Streaming state. */
+  PavonaApi api;
+  void* handle; /* one per negotiated caps */
+  PavonaScratch scratch;
+  guint64 frames;                /* since start, analysed or not */
+  gboolean warned;               /* a refused frame has been reported */
+  struct PavonaTracker* tracker; /* while smooth is above 0 */
+  gdouble tracker_weight;
+};
 
 GST_DEBUG_CATEGORY_STATIC(gst_pavona_palette_debug);
 #define GST_CAT_DEFAULT gst_pavona_palette_debug

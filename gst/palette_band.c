@@ -6,8 +6,9 @@ gint pavona_palette_band_height(gint height) {
   return MAX(2, (height / 8) & ~1);
 }
 
-/* Full-range BT.601, the inverse of the conversion the plug-in reads
- * frames with, so a swatch shows the colour it stands for. */
+/* Full-range BT.601 at full precision. The plug-in reads frames with this
+ * matrix's inverse rounded to three decimals, so a swatch read back gives
+ * the colour it stands for to within rounding. */
 static void rgb_to_yuv(const gfloat* rgb, gint max, guint yuv[3]) {
   const gdouble r = rgb[0], g = rgb[1], b = rgb[2];
   const gdouble half = (max + 1) / 2;
