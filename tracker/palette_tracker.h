@@ -45,6 +45,29 @@ class PaletteTracker {
   std::vector<Track> tracks_;  // in id order
 };
 
+// A palette row in the plug-in's layout: R, G, B in the frame's sample
+// scale, the lightness beside them, and the part of the frame (0..1) its
+// cluster covers.
+struct PaletteRow {
+  float r = 0;
+  float g = 0;
+  float b = 0;
+  float lightness = 0;
+  double share = 0;
+};
+
+struct SmoothedRow {
+  PaletteRow row;  // the track's colour, with the joining row's share
+  int source = 0;  // the frame's row that joined or started the track
+};
+
+// One frame's rows through `tracker`, in and out of CIELAB: one entry per
+// row, in track order, R, G, B smoothed (0..scale, 255 or 1023) and the
+// lightness recomputed as the plug-in does. The rows' lightness is unused.
+std::vector<SmoothedRow> smoothRows(PaletteTracker& tracker,
+                                    const std::vector<PaletteRow>& rows,
+                                    double scale);
+
 }  // namespace pavona::tracker
 
 #endif  // PAVONA_TRACKER_PALETTE_TRACKER_H_

@@ -16,22 +16,23 @@
 #include "tools/pavona/tool_error.h"
 #include "tools/pavona/video_source.h"
 #include "tracker/palette_tracker.h"
+#include "tracker/sample_scale.h"
 
 namespace pavona::tool {
 namespace {
 
-double fullScale(IMAGE_FORMAT_TYPE format) {
-  return format == IMAGE_FORMAT_YUV420SP_10BIT ? 1023 : 255;
+double shareOf(const PaletteColour& colour, const FrameReport& report) {
+  const double share = sharePercent(colour, report);
+  return share > 0 ? share / 100 : 0;
 }
 
 std::vector<tracker::Swatch> swatchesOf(const FrameReport& report) {
-  const double scale = fullScale(report.format);
+  const double scale = pavona_sample_max(report.format);
   std::vector<tracker::Swatch> swatches;
   for (const PaletteColour& colour : report.colours) {
-    const double share = sharePercent(colour, report);
     swatches.push_back(
         {tracker::labFromRgb({colour.r, colour.g, colour.b}, scale),
-         share > 0 ? share / 100 : 0});
+         shareOf(colour, report)});
   }
   return swatches;
 }
@@ -39,16 +40,19 @@ std::vector<tracker::Swatch> swatchesOf(const FrameReport& report) {
 // The report's rows become the tracker's, in track order, each with the
 // members of the row that joined it.
 void smoothColours(FrameReport& report, tracker::PaletteTracker& tracker) {
-  const double scale = fullScale(report.format);
+  std::vector<tracker::PaletteRow> rows;
+  for (const PaletteColour& colour : report.colours) {
+    rows.push_back({colour.r, colour.g, colour.b, colour.lightness,
+                    shareOf(colour, report)});
+  }
   std::vector<PaletteColour> smoothed;
-  for (const tracker::TrackedSwatch& entry :
-       tracker.update(swatchesOf(report))) {
-    const tracker::Rgb rgb = tracker::rgbFromLab(entry.swatch.lab, scale);
-    PaletteColour colour = report.colours[entry.row];
-    colour.r = static_cast<float>(rgb.r);
-    colour.g = static_cast<float>(rgb.g);
-    colour.b = static_cast<float>(rgb.b);
-    colour.lightness = tracker::rowLightness(colour.r, colour.g, colour.b);
+  for (const tracker::SmoothedRow& entry :
+       tracker::smoothRows(tracker, rows, pavona_sample_max(report.format))) {
+    PaletteColour colour = report.colours[entry.source];
+    colour.r = entry.row.r;
+    colour.g = entry.row.g;
+    colour.b = entry.row.b;
+    colour.lightness = entry.row.lightness;
     smoothed.push_back(colour);
   }
   report.colours = std::move(smoothed);
