@@ -60,12 +60,13 @@ void smoothColours(FrameReport& report, tracker::PaletteTracker& tracker) {
 
 // A timeline column: the colours in the order of a tracker that only
 // keeps identities, so a colour keeps its height from column to column.
-TimelineColumn columnOf(const FrameReport& report, const YuvFrame& frame,
-                        tracker::PaletteTracker& order) {
+TimelineColumn columnOf(const FrameReport& report,
+                        const std::vector<tracker::Swatch>& swatches,
+                        const YuvFrame& frame, tracker::PaletteTracker& order) {
   TimelineColumn column;
   column.seconds = report.seconds.value_or(0);
   column.thumbnail = frameThumbnail(frame, kTimelineThumbnailWidth);
-  for (const tracker::TrackedSwatch& entry : order.update(swatchesOf(report))) {
+  for (const tracker::TrackedSwatch& entry : order.update(swatches)) {
     const std::array<uint8_t, 3> rgb =
         colourBytes(report.colours[entry.row], report.format);
     column.bands.push_back({rgb[0], rgb[1], rgb[2], entry.swatch.share});
@@ -86,7 +87,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
   tracker::PaletteTracker order(1);
   std::vector<TimelineColumn> columns;
   ProgressBar progress(0, !options.verbose && isatty(STDERR_FILENO));
-  double duration = 0;  // known once the stream has started
+  std::optional<double> duration;  // asked once the stream has started
 
   VideoRun result;
   VideoSummary& summary = result.summary;
@@ -118,11 +119,11 @@ VideoRun runVideo(const Options& options, const std::string& path,
       runner = std::make_unique<PaletteRunner>(
           options.initWidth, options.initHeight, frame.format, options.verbose);
     }
-    if (duration <= 0) duration = source.durationSeconds();
+    if (!duration) duration = source.durationSeconds();
     char label[64];
     std::snprintf(label, sizeof label, "frame %ld, %.1f s", index,
                   decoded.seconds);
-    progress.showPart(duration > 0 ? decoded.seconds / duration : 0, label);
+    progress.showPart(*duration > 0 ? decoded.seconds / *duration : 0, label);
     PaletteRun run;
     try {
       run = runner->run(frame, options.colors, options.seed);
@@ -147,15 +148,17 @@ VideoRun runVideo(const Options& options, const std::string& path,
     report.pluginMs = run.pluginSeconds * 1000;
     report.smooth = options.smooth;
     if (options.smooth > 0) smoothColours(report, smoother);
-    const std::vector<tracker::Swatch> now = swatchesOf(report);
+    std::vector<tracker::Swatch> now = swatchesOf(report);
     if (summary.analysed > 0) {
       report.flicker = tracker::paletteFlicker(previous, now);
       summary.flicker.push_back(*report.flicker);
     }
-    previous = now;
     summary.pluginMs.push_back(report.pluginMs);
     ++summary.analysed;
-    if (!timeline.empty()) columns.push_back(columnOf(report, frame, order));
+    if (!timeline.empty()) {
+      columns.push_back(columnOf(report, now, frame, order));
+    }
+    previous = std::move(now);
     result.frames.push_back(std::move(report));
   }
   progress.clear();
