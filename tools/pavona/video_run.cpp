@@ -96,9 +96,9 @@ VideoRun runVideo(const Options& options, const std::string& path,
   summary.smooth = options.smooth;
   std::vector<tracker::Swatch> previous;
   VideoFrame decoded;
-  auto next = [&]() {
+  auto next = [&](VideoFrame* frame) {
     try {
-      return source.next(&decoded);
+      return source.next(frame);
     } catch (const ToolError& error) {
       progress.clear();
       if (summary.decoded > 0) {
@@ -110,10 +110,11 @@ VideoRun runVideo(const Options& options, const std::string& path,
                       error.what() + " (use --raw for camera frames)");
     }
   };
-  while ((options.maxFrames == 0 || summary.analysed < options.maxFrames) &&
-         next()) {
+  while (options.maxFrames == 0 || summary.analysed < options.maxFrames) {
+    const bool picked = summary.decoded % options.every == 0;
+    if (!next(picked ? &decoded : nullptr)) break;
     const long index = summary.decoded++;
-    if (index % options.every != 0) continue;
+    if (!picked) continue;
     YuvFrame& frame = decoded.frame;
     if (!runner || frame.format != summary.format) {
       runner = std::make_unique<PaletteRunner>(
