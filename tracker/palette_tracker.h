@@ -20,7 +20,8 @@ class PaletteTracker {
   // A new frame's row joins the track it is matched with when their ΔE00
   // is at most this; otherwise it starts a track of its own.
   static constexpr double kJoinDeltaE = 20;
-  // A track ends after this many frames in a row without a row joining it.
+  // A track outlives this many frames in a row without a row joining it,
+  // and ends at the next such frame.
   static constexpr int kPatience = 3;
 
   // `weight` in (0, 1]: how far a track moves towards the colour that joins
