@@ -65,7 +65,7 @@ TimelineColumn columnOf(const FrameReport& report,
                         const YuvFrame& frame, tracker::PaletteTracker& order) {
   TimelineColumn column;
   column.seconds = report.seconds.value_or(0);
-  column.thumbnail = frameThumbnail(frame, kTimelineThumbnailWidth);
+  column.thumbnail = thumbnailShape(frame, kTimelineThumbnailWidth);
   for (const tracker::TrackedSwatch& entry : order.update(swatches)) {
     const std::array<uint8_t, 3> rgb =
         colourBytes(report.colours[entry.row], report.format);
@@ -85,7 +85,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
   std::unique_ptr<PaletteRunner> runner;
   tracker::PaletteTracker smoother(options.smooth > 0 ? options.smooth : 1);
   tracker::PaletteTracker order(1);
-  std::vector<TimelineColumn> columns;
+  TimelineColumns columns;
   ProgressBar progress(0, !options.verbose && isatty(STDERR_FILENO));
   std::optional<double> duration;  // asked once the stream has started
 
@@ -157,7 +157,9 @@ VideoRun runVideo(const Options& options, const std::string& path,
     summary.pluginMs.push_back(report.pluginMs);
     ++summary.analysed;
     if (!timeline.empty()) {
-      columns.push_back(columnOf(report, now, frame, order));
+      columns.add(columnOf(report, now, frame, order), [&frame] {
+        return frameThumbnail(frame, kTimelineThumbnailWidth);
+      });
     }
     previous = std::move(now);
     result.frames.push_back(std::move(report));
@@ -165,7 +167,7 @@ VideoRun runVideo(const Options& options, const std::string& path,
   progress.clear();
   if (summary.analysed == 0) throw ToolError("no video frames to analyse");
   if (!timeline.empty()) {
-    writePng(timeline, renderTimeline(columns));
+    writePng(timeline, renderTimeline(columns.columns()));
     summary.timeline = timeline;
   }
   return result;
