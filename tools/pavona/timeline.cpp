@@ -74,7 +74,9 @@ void TimelineColumns::add(TimelineColumn column,
       ThumbnailPlaces::labelFits(
           static_cast<int>(placed_) * kTimelineColumnWidth,
           columns_[placed_].seconds, x + kTimelineColumnWidth)) {
-    for (size_t spare : spares_) columns_[spare].thumbnail.pixels = {};
+    for (size_t spare : spares_) {
+      columns_[spare].thumbnail.pixels = std::vector<uint8_t>();
+    }
     spares_.clear();
     placed_ = -1;
   }

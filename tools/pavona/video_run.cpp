@@ -59,7 +59,8 @@ void smoothColours(FrameReport& report, tracker::PaletteTracker& tracker) {
 }
 
 // A timeline column: the colours in the order of a tracker that only
-// keeps identities, so a colour keeps its height from column to column.
+// keeps identities, so a colour keeps its height from column to column,
+// and the size of the frame's thumbnail.
 TimelineColumn columnOf(const FrameReport& report,
                         const std::vector<tracker::Swatch>& swatches,
                         const YuvFrame& frame, tracker::PaletteTracker& order) {
