@@ -14,6 +14,7 @@
 #include "tools/pavona/image_decode.h"
 #include "tools/pavona/png_write.h"
 #include "tools/pavona/raw_frame.h"
+#include "tools/pavona/timeline.h"
 #include "tools/pavona/tool_error.h"
 #include "tools/pavona/yuv_convert.h"
 
@@ -169,6 +170,34 @@ TEST(RawFrame, LongDataIsNotedAndTenBitWordsAreLittleEndian) {
   EXPECT_EQ(sampleAt(deep, deep.yPlane(), 0, 0), 1023);
   EXPECT_EQ(sampleAt(deep, deep.uvPlane(), 0, 0), 512);
   EXPECT_EQ(deep.stride, 4);
+}
+
+// Wherever a timeline ends, the columns collected as frames arrive hold
+// the pixels of each thumbnail it draws, and of few others. Column 26 is
+// the second to get one; where its "60.0s" does not fit, the shorter "1:00"
+// of column 27 may.
+TEST(Timeline, CollectedColumnsKeepTheThumbnailsDrawnWhereverItEnds) {
+  std::vector<TimelineColumn> full;
+  TimelineColumns collected;
+  for (int i = 0; i < 40; ++i) {
+    TimelineColumn column;
+    column.seconds = 58.94 + i * 0.04;
+    column.bands = {{1, 2, 3, 1}};
+    column.thumbnail.width = 96;
+    column.thumbnail.height = 54;
+    const TimelineColumn shape = column;
+    column.thumbnail.pixels.assign(3 * 96 * 54, static_cast<uint8_t>(i));
+    full.push_back(column);
+    collected.add(shape, [&column] { return column.thumbnail; });
+    ASSERT_EQ(renderTimeline(collected.columns()).pixels,
+              renderTimeline(full).pixels)
+        << i;
+  }
+  int kept = 0;
+  for (const TimelineColumn& column : collected.columns()) {
+    kept += !column.thumbnail.pixels.empty();
+  }
+  EXPECT_EQ(kept, 2);  // columns 0 and 26
 }
 
 }  // namespace

@@ -1,8 +1,3 @@
-# The palette tracker shared by the tool and the GStreamer element: on
-# every target, since it is plain C++.
-pavona_add_suite(tracker_test tracker_test.cpp)
-target_link_libraries(tracker_test PRIVATE pavona_tracker)
-
 # The pavona tool's tests: its input and output stages linked directly, and
 # the built binary run as a subprocess. Only where the tool is built.
 if(NOT TARGET pavona_tool_io)

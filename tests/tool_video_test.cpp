@@ -112,5 +112,34 @@ TEST(ToolVideo, FramesGoThroughTheTableAndFlickerIsTheJumpAtACut) {
   }
 }
 
+// --smooth on a cut between near colours: the tracks blend towards the new
+// rows, and each row keeps the members of the row that joined its track.
+TEST(ToolVideo, SmoothingBlendsANearCutAndKeepsEachRowsMembers) {
+  const std::string clip = makeClip(
+      "near.webm",
+      source("bar foreground-color=0xffc81e1e background-color=0xff1e28c8", 5) +
+          source("bar foreground-color=0xffdc3c28 background-color=0xff283cdc",
+                 5));
+  if (clip.empty()) GTEST_SKIP() << "GStreamer cannot encode a VP8 clip here";
+  const nlohmann::json plain = runToolJson({clip});
+  const nlohmann::json smooth = runToolJson({"--smooth", "0.5", clip});
+  ASSERT_EQ(smooth.size(), plain.size());
+  const double jump = plain[5]["flicker"].get<double>();
+  EXPECT_GT(jump, 2);
+  EXPECT_NEAR(smooth[5]["flicker"].get<double>(), jump / 2, jump / 4);
+  for (size_t i = 0; i < smooth.size(); ++i) {
+    int members = 0;
+    for (const auto& colour : smooth[i]["colors"]) {
+      members += colour["members"].get<int>();
+      for (const auto& row : plain[i]["colors"]) {
+        if (row["hex"] == colour["hex"]) {
+          EXPECT_EQ(row["members"], colour["members"]) << i;
+        }
+      }
+    }
+    EXPECT_EQ(members, 124 * 92) << i;
+  }
+}
+
 }  // namespace
 }  // namespace pavona::tool

@@ -118,9 +118,26 @@ TEST(PaletteTracker, FollowsACutWithinBoundedFrames) {
     const std::vector<TrackedSwatch> out = tracker.update(cut);
     ASSERT_EQ(out.size(), 3u);
     const double residual = paletteFlicker(cut, swatches(out));
+    // The joined track moves only part of the way (a jump would leave 0).
+    EXPECT_TRUE(frame > 1 || residual > 0.1);
     // (1 - 0.3)^n of the first gap, which is at most the join threshold.
     EXPECT_LE(residual, PaletteTracker::kJoinDeltaE * std::pow(0.7, frame))
         << frame;
+  }
+}
+
+TEST(PaletteTracker, ATrackOutlastsPatienceFramesWithoutItsColour) {
+  const int patience = PaletteTracker::kPatience;
+  for (const int absent : {patience, patience + 1}) {
+    PaletteTracker tracker(0.5);
+    tracker.update(palette({{200, 30, 30}}));
+    for (int frame = 0; frame < absent; ++frame) {
+      tracker.update(palette({{20, 40, 200}}));
+    }
+    const std::vector<TrackedSwatch> back =
+        tracker.update(palette({{200, 30, 30}}));
+    ASSERT_EQ(back.size(), 1u);
+    EXPECT_EQ(back[0].track, absent == patience ? 0 : 2) << absent;
   }
 }
 

@@ -6,10 +6,11 @@
 
 namespace pavona::tracker {
 
-// A double-precision twin of the library's ΔE00 formula (Sharma, Wu and
-// Dalal, "The CIEDE2000 color-difference formula", 2005), kL = kC = kH = 1.
-// For measurement and tracking only: the library keeps its own float
-// version, whose rounding every palette depends on.
+// The ΔE00 formula in double precision (Sharma, Wu and Dalal, "The
+// CIEDE2000 color-difference formula", 2005), kL = kC = kH = 1, with the
+// exact 25^7. Not a twin of the library's: that one works in float and
+// keeps 25^7 as once rounded to float (6103515648), and every palette
+// depends on its rounding. This one is for measurement and tracking only.
 double deltaE00(const Lab& first, const Lab& second);
 
 }  // namespace pavona::tracker

@@ -50,7 +50,7 @@ Rgb rgbFromLab(const Lab& lab, double scale) {
   const double x = labFInverse(fy + lab.a / 500) * kWhiteX;
   const double z = labFInverse(fy - lab.b / 200) * kWhiteZ;
   auto channel = [scale](double linear) {
-    return std::clamp(compand(std::max(linear, 0.0)), 0.0, 1.0) * scale;
+    return std::clamp(compand(linear), 0.0, 1.0) * scale;
   };
   return {channel(3.240479 * x - 1.53715 * y - 0.498535 * z),
           channel(-0.969256 * x + 1.875992 * y + 0.041556 * z),

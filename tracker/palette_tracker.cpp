@@ -44,4 +44,25 @@ std::vector<TrackedSwatch> PaletteTracker::update(
   return result;
 }
 
+std::vector<SmoothedRow> smoothRows(PaletteTracker& tracker,
+                                    const std::vector<PaletteRow>& rows,
+                                    double scale) {
+  std::vector<Swatch> swatches;
+  for (const PaletteRow& row : rows) {
+    swatches.push_back({labFromRgb({row.r, row.g, row.b}, scale), row.share});
+  }
+  std::vector<SmoothedRow> smoothed;
+  for (const TrackedSwatch& entry : tracker.update(swatches)) {
+    const Rgb rgb = rgbFromLab(entry.swatch.lab, scale);
+    PaletteRow row;
+    row.r = static_cast<float>(rgb.r);
+    row.g = static_cast<float>(rgb.g);
+    row.b = static_cast<float>(rgb.b);
+    row.lightness = rowLightness(row.r, row.g, row.b);
+    row.share = entry.swatch.share;
+    smoothed.push_back({row, entry.row});
+  }
+  return smoothed;
+}
+
 }  // namespace pavona::tracker

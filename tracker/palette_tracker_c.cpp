@@ -20,20 +20,19 @@ void pavona_tracker_free(PavonaTracker* tracker) { delete tracker; }
 void pavona_tracker_update(PavonaTracker* tracker, float (*rgbl)[4],
                            double* shares, int rows, double scale) {
   using namespace pavona::tracker;
-  std::vector<Swatch> swatches;
+  std::vector<PaletteRow> in;
   for (int row = 0; row < rows; ++row) {
-    swatches.push_back(
-        {labFromRgb({rgbl[row][0], rgbl[row][1], rgbl[row][2]}, scale),
-         shares[row]});
+    in.push_back(
+        {rgbl[row][0], rgbl[row][1], rgbl[row][2], rgbl[row][3], shares[row]});
   }
-  const std::vector<TrackedSwatch> tracked = tracker->tracker.update(swatches);
+  const std::vector<SmoothedRow> out = smoothRows(tracker->tracker, in, scale);
   for (int row = 0; row < rows; ++row) {
-    const Rgb rgb = rgbFromLab(tracked[row].swatch.lab, scale);
-    float* out = rgbl[row];
-    out[0] = static_cast<float>(rgb.r);
-    out[1] = static_cast<float>(rgb.g);
-    out[2] = static_cast<float>(rgb.b);
-    out[3] = rowLightness(out[0], out[1], out[2]);
-    shares[row] = tracked[row].swatch.share;
+    const PaletteRow& smoothed = out[row].row;
+    float* target = rgbl[row];
+    target[0] = smoothed.r;
+    target[1] = smoothed.g;
+    target[2] = smoothed.b;
+    target[3] = smoothed.lightness;
+    shares[row] = smoothed.share;
   }
 }

@@ -20,14 +20,19 @@ uint8_t toByte(double value) {
 
 }  // namespace
 
-RgbImage frameThumbnail(const YuvFrame& frame, int width) {
-  const bool deep = frame.format == IMAGE_FORMAT_YUV420SP_10BIT;
-  const bool uFirst = frame.format != IMAGE_FORMAT_NV21;
-  const double centre = deep ? 512 * 255.0 / 1023.0 : 128;
+RgbImage thumbnailShape(const YuvFrame& frame, int width) {
   RgbImage image;
   image.width = std::max(1, std::min(width, frame.width));
   image.height = std::max(
       1, static_cast<int>(int64_t{frame.height} * image.width / frame.width));
+  return image;
+}
+
+RgbImage frameThumbnail(const YuvFrame& frame, int width) {
+  const bool deep = frame.format == IMAGE_FORMAT_YUV420SP_10BIT;
+  const bool uFirst = frame.format != IMAGE_FORMAT_NV21;
+  const double centre = deep ? 512 * 255.0 / 1023.0 : 128;
+  RgbImage image = thumbnailShape(frame, width);
   image.pixels.resize(size_t{3} * image.width * image.height);
   uint8_t* out = image.pixels.data();
   for (int y = 0; y < image.height; ++y) {

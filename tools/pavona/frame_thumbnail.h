@@ -13,6 +13,9 @@ namespace pavona::tool {
 // scaled to 8 bits.
 RgbImage frameThumbnail(const YuvFrame& frame, int width);
 
+// frameThumbnail's width and height, without its pixels.
+RgbImage thumbnailShape(const YuvFrame& frame, int width);
+
 }  // namespace pavona::tool
 
 #endif  // PAVONA_TOOLS_PAVONA_FRAME_THUMBNAIL_H_

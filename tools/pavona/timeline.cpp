@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <string>
 
 #include "tools/pavona/bitmap_font.h"
@@ -49,6 +50,47 @@ std::string timeLabel(double seconds) {
 
 }  // namespace
 
+bool ThumbnailPlaces::labelFits(int x, double seconds, int width) {
+  return x == 0 || x + textWidth(timeLabel(seconds), kFontScale) <= width;
+}
+
+bool ThumbnailPlaces::take(int x, int thumbnailWidth, double seconds,
+                           int width) {
+  if (x < nextFree_ || thumbnailWidth == 0 || !labelFits(x, seconds, width)) {
+    return false;
+  }
+  nextFree_ =
+      x + std::max(thumbnailWidth, textWidth(timeLabel(seconds), kFontScale)) +
+      kGap;
+  return true;
+}
+
+void TimelineColumns::add(TimelineColumn column,
+                          const std::function<RgbImage()>& draw) {
+  const int x = static_cast<int>(columns_.size()) * kTimelineColumnWidth;
+  // Once the placed column's time fits, it is shown wherever the timeline
+  // ends, and no column after it before the next placed one is.
+  if (placed_ >= 0 &&
+      ThumbnailPlaces::labelFits(
+          static_cast<int>(placed_) * kTimelineColumnWidth,
+          columns_[placed_].seconds, x + kTimelineColumnWidth)) {
+    for (size_t spare : spares_) {
+      columns_[spare].thumbnail.pixels = std::vector<uint8_t>();
+    }
+    spares_.clear();
+    placed_ = -1;
+  }
+  if (places_.take(x, column.thumbnail.width, column.seconds,
+                   std::numeric_limits<int>::max())) {
+    placed_ = static_cast<long>(columns_.size());
+    column.thumbnail = draw();
+  } else if (placed_ >= 0) {
+    spares_.push_back(columns_.size());
+    column.thumbnail = draw();
+  }
+  columns_.push_back(std::move(column));
+}
+
 RgbImage renderTimeline(const std::vector<TimelineColumn>& columns) {
   int thumbnailHeight = 0;
   for (const TimelineColumn& column : columns) {
@@ -62,8 +104,7 @@ RgbImage renderTimeline(const std::vector<TimelineColumn>& columns) {
   image.height = labelsTop + labelHeight + kGap;
   image.pixels.assign(size_t{3} * image.width * image.height, kBackground);
 
-  // A thumbnail (and a label) wherever the previous one has ended.
-  int nextFree = 0;
+  ThumbnailPlaces places;
   for (size_t i = 0; i < columns.size(); ++i) {
     const TimelineColumn& column = columns[i];
     const int x = static_cast<int>(i) * kTimelineColumnWidth;
@@ -80,18 +121,13 @@ RgbImage renderTimeline(const std::vector<TimelineColumn>& columns) {
       const uint8_t rgb[3] = {band.r, band.g, band.b};
       fill(image, x, bandsTop + top, kTimelineColumnWidth, bottom - top, rgb);
     }
-    const std::string label = timeLabel(column.seconds);
-    if (x < nextFree || column.thumbnail.width == 0 ||
-        (x > 0 && x + textWidth(label, kFontScale) > image.width)) {
+    if (!places.take(x, column.thumbnail.width, column.seconds, image.width)) {
       continue;
     }
     paste(image, x, 0, column.thumbnail);
     const uint8_t ink[3] = {kInk, kInk, kInk};
     fill(image, x, bandsTop + kBandsHeight + 1, 1, kTickHeight, ink);
-    drawText(image, x, labelsTop, label, kFontScale, kInk);
-    nextFree = x +
-               std::max(column.thumbnail.width, textWidth(label, kFontScale)) +
-               kGap;
+    drawText(image, x, labelsTop, timeLabel(column.seconds), kFontScale, kInk);
   }
   return image;
 }

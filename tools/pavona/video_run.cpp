@@ -16,22 +16,23 @@
 #include "tools/pavona/tool_error.h"
 #include "tools/pavona/video_source.h"
 #include "tracker/palette_tracker.h"
+#include "tracker/sample_scale.h"
 
 namespace pavona::tool {
 namespace {
 
-double fullScale(IMAGE_FORMAT_TYPE format) {
-  return format == IMAGE_FORMAT_YUV420SP_10BIT ? 1023 : 255;
+double shareOf(const PaletteColour& colour, const FrameReport& report) {
+  const double share = sharePercent(colour, report);
+  return share > 0 ? share / 100 : 0;
 }
 
 std::vector<tracker::Swatch> swatchesOf(const FrameReport& report) {
-  const double scale = fullScale(report.format);
+  const double scale = pavona_sample_max(report.format);
   std::vector<tracker::Swatch> swatches;
   for (const PaletteColour& colour : report.colours) {
-    const double share = sharePercent(colour, report);
     swatches.push_back(
         {tracker::labFromRgb({colour.r, colour.g, colour.b}, scale),
-         share > 0 ? share / 100 : 0});
+         shareOf(colour, report)});
   }
   return swatches;
 }
@@ -39,29 +40,34 @@ std::vector<tracker::Swatch> swatchesOf(const FrameReport& report) {
 // The report's rows become the tracker's, in track order, each with the
 // members of the row that joined it.
 void smoothColours(FrameReport& report, tracker::PaletteTracker& tracker) {
-  const double scale = fullScale(report.format);
+  std::vector<tracker::PaletteRow> rows;
+  for (const PaletteColour& colour : report.colours) {
+    rows.push_back({colour.r, colour.g, colour.b, colour.lightness,
+                    shareOf(colour, report)});
+  }
   std::vector<PaletteColour> smoothed;
-  for (const tracker::TrackedSwatch& entry :
-       tracker.update(swatchesOf(report))) {
-    const tracker::Rgb rgb = tracker::rgbFromLab(entry.swatch.lab, scale);
-    PaletteColour colour = report.colours[entry.row];
-    colour.r = static_cast<float>(rgb.r);
-    colour.g = static_cast<float>(rgb.g);
-    colour.b = static_cast<float>(rgb.b);
-    colour.lightness = tracker::rowLightness(colour.r, colour.g, colour.b);
+  for (const tracker::SmoothedRow& entry :
+       tracker::smoothRows(tracker, rows, pavona_sample_max(report.format))) {
+    PaletteColour colour = report.colours[entry.source];
+    colour.r = entry.row.r;
+    colour.g = entry.row.g;
+    colour.b = entry.row.b;
+    colour.lightness = entry.row.lightness;
     smoothed.push_back(colour);
   }
   report.colours = std::move(smoothed);
 }
 
 // A timeline column: the colours in the order of a tracker that only
-// keeps identities, so a colour keeps its height from column to column.
-TimelineColumn columnOf(const FrameReport& report, const YuvFrame& frame,
-                        tracker::PaletteTracker& order) {
+// keeps identities, so a colour keeps its height from column to column,
+// and the size of the frame's thumbnail.
+TimelineColumn columnOf(const FrameReport& report,
+                        const std::vector<tracker::Swatch>& swatches,
+                        const YuvFrame& frame, tracker::PaletteTracker& order) {
   TimelineColumn column;
   column.seconds = report.seconds.value_or(0);
-  column.thumbnail = frameThumbnail(frame, kTimelineThumbnailWidth);
-  for (const tracker::TrackedSwatch& entry : order.update(swatchesOf(report))) {
+  column.thumbnail = thumbnailShape(frame, kTimelineThumbnailWidth);
+  for (const tracker::TrackedSwatch& entry : order.update(swatches)) {
     const std::array<uint8_t, 3> rgb =
         colourBytes(report.colours[entry.row], report.format);
     column.bands.push_back({rgb[0], rgb[1], rgb[2], entry.swatch.share});
@@ -80,9 +86,9 @@ VideoRun runVideo(const Options& options, const std::string& path,
   std::unique_ptr<PaletteRunner> runner;
   tracker::PaletteTracker smoother(options.smooth > 0 ? options.smooth : 1);
   tracker::PaletteTracker order(1);
-  std::vector<TimelineColumn> columns;
+  TimelineColumns columns;
   ProgressBar progress(0, !options.verbose && isatty(STDERR_FILENO));
-  double duration = 0;  // known once the stream has started
+  std::optional<double> duration;  // asked once the stream has started
 
   VideoRun result;
   VideoSummary& summary = result.summary;
@@ -91,9 +97,9 @@ VideoRun runVideo(const Options& options, const std::string& path,
   summary.smooth = options.smooth;
   std::vector<tracker::Swatch> previous;
   VideoFrame decoded;
-  auto next = [&]() {
+  auto next = [&](VideoFrame* frame) {
     try {
-      return source.next(&decoded);
+      return source.next(frame);
     } catch (const ToolError& error) {
       progress.clear();
       if (summary.decoded > 0) {
@@ -105,20 +111,21 @@ VideoRun runVideo(const Options& options, const std::string& path,
                       error.what() + " (use --raw for camera frames)");
     }
   };
-  while ((options.maxFrames == 0 || summary.analysed < options.maxFrames) &&
-         next()) {
+  while (options.maxFrames == 0 || summary.analysed < options.maxFrames) {
+    const bool picked = summary.decoded % options.every == 0;
+    if (!next(picked ? &decoded : nullptr)) break;
     const long index = summary.decoded++;
-    if (index % options.every != 0) continue;
+    if (!picked) continue;
     YuvFrame& frame = decoded.frame;
     if (!runner || frame.format != summary.format) {
       runner = std::make_unique<PaletteRunner>(
           options.initWidth, options.initHeight, frame.format, options.verbose);
     }
-    if (duration <= 0) duration = source.durationSeconds();
+    if (!duration) duration = source.durationSeconds();
     char label[64];
     std::snprintf(label, sizeof label, "frame %ld, %.1f s", index,
                   decoded.seconds);
-    progress.showPart(duration > 0 ? decoded.seconds / duration : 0, label);
+    progress.showPart(*duration > 0 ? decoded.seconds / *duration : 0, label);
     PaletteRun run;
     try {
       run = runner->run(frame, options.colors, options.seed);
@@ -143,21 +150,25 @@ VideoRun runVideo(const Options& options, const std::string& path,
     report.pluginMs = run.pluginSeconds * 1000;
     report.smooth = options.smooth;
     if (options.smooth > 0) smoothColours(report, smoother);
-    const std::vector<tracker::Swatch> now = swatchesOf(report);
+    std::vector<tracker::Swatch> now = swatchesOf(report);
     if (summary.analysed > 0) {
       report.flicker = tracker::paletteFlicker(previous, now);
       summary.flicker.push_back(*report.flicker);
     }
-    previous = now;
     summary.pluginMs.push_back(report.pluginMs);
     ++summary.analysed;
-    if (!timeline.empty()) columns.push_back(columnOf(report, frame, order));
+    if (!timeline.empty()) {
+      columns.add(columnOf(report, now, frame, order), [&frame] {
+        return frameThumbnail(frame, kTimelineThumbnailWidth);
+      });
+    }
+    previous = std::move(now);
     result.frames.push_back(std::move(report));
   }
   progress.clear();
   if (summary.analysed == 0) throw ToolError("no video frames to analyse");
   if (!timeline.empty()) {
-    writePng(timeline, renderTimeline(columns));
+    writePng(timeline, renderTimeline(columns.columns()));
     summary.timeline = timeline;
   }
   return result;

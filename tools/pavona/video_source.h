@@ -29,8 +29,9 @@ class VideoSource {
   VideoSource& operator=(const VideoSource&) = delete;
 
   // The next frame, cropped to even sides with packed rows; false at the
-  // end of the stream. Throws ToolError with GStreamer's reason when
-  // decoding fails.
+  // end of the stream. A null `frame` passes over the frame without
+  // copying it. Throws ToolError with GStreamer's reason when decoding
+  // fails.
   bool next(VideoFrame* frame);
   // The stream's length, or 0 when the container does not say.
   double durationSeconds() const;

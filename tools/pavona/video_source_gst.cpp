@@ -141,6 +141,10 @@ bool VideoSource::next(VideoFrame* out) {
     if (gst_app_sink_is_eos(pipeline_->sink)) return false;
     sample = gst_app_sink_try_pull_sample(pipeline_->sink, kPollInterval);
   }
+  if (out == nullptr) {
+    gst_sample_unref(sample);
+    return true;
+  }
   GstVideoInfo info;
   GstVideoFrame mapped;
   GstBuffer* buffer = gst_sample_get_buffer(sample);
