@@ -8,6 +8,7 @@
 #include "pavona_ext.h"
 #include "pavona_host.h"
 #include "tracker/palette_tracker_c.h"
+#include "tracker/sample_scale.h"
 
 /* The element's properties; a frame is analysed with a copy taken as it
  * arrives. */
@@ -161,8 +162,7 @@ static int32_t analyse(GstPavonaPalette* self, const GstVideoFrame* frame,
   palette->passes = info.passes;
   palette->working_width = info.workingWidth;
   palette->working_height = info.workingHeight;
-  palette->sample_max =
-      image.format == IMAGE_FORMAT_YUV420SP_10BIT ? 1023 : 255;
+  palette->sample_max = pavona_sample_max(image.format);
   return STATUS_SUCCESS;
 }
 
