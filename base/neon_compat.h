@@ -16,4 +16,84 @@ static inline float32x4_t vsqrtq_f32(float32x4_t v) {
 }
 #endif
 
+#include <cstdint>
+
+namespace pavona {
+
+// For operands that are never NaN, nor zeros of both signs: A64 has one
+// instruction each, while SIMDe follows A64's NaN rules lane by lane on
+// SSE2, where SSE's own forms give the same results for such operands.
+#if defined(__aarch64__)
+inline float32x4_t minNumbers(float32x4_t a, float32x4_t b) {
+  return vminq_f32(a, b);
+}
+inline float32x4_t maxNumbers(float32x4_t a, float32x4_t b) {
+  return vmaxq_f32(a, b);
+}
+inline float minAcross(float32x4_t v) { return vminvq_f32(v); }
+inline float maxAcross(float32x4_t v) { return vmaxvq_f32(v); }
+#else
+inline float32x4_t minNumbers(float32x4_t a, float32x4_t b) {
+  return simde_float32x4_from_m128(
+      _mm_min_ps(simde_float32x4_to_m128(a), simde_float32x4_to_m128(b)));
+}
+inline float32x4_t maxNumbers(float32x4_t a, float32x4_t b) {
+  return simde_float32x4_from_m128(
+      _mm_max_ps(simde_float32x4_to_m128(a), simde_float32x4_to_m128(b)));
+}
+inline float minAcross(float32x4_t v) {
+  __m128 m = simde_float32x4_to_m128(v);
+  m = _mm_min_ps(m, _mm_movehl_ps(m, m));
+  return _mm_cvtss_f32(_mm_min_ss(m, _mm_shuffle_ps(m, m, 1)));
+}
+inline float maxAcross(float32x4_t v) {
+  __m128 m = simde_float32x4_to_m128(v);
+  m = _mm_max_ps(m, _mm_movehl_ps(m, m));
+  return _mm_cvtss_f32(_mm_max_ss(m, _mm_shuffle_ps(m, m, 1)));
+}
+#endif
+
+// Bit l set where lane l of the comparison mask m is (SSE2 reads the top
+// bit of each lane, A64 adds the lanes' weights).
+inline uint32_t laneBits(uint32x4_t m) {
+#if defined(__aarch64__)
+  const uint32x4_t bits = {1, 2, 4, 8};
+  return vaddvq_u32(vandq_u32(m, bits));
+#else
+  return static_cast<uint32_t>(
+      _mm_movemask_ps(_mm_castsi128_ps(simde_uint32x4_to_m128i(m))));
+#endif
+}
+
+// Whether any lane of the comparison mask m is set.
+inline bool anyLane(uint32x4_t m) {
+#if defined(__aarch64__)
+  return vmaxvq_u32(m) != 0;
+#else
+  return laneBits(m) != 0;
+#endif
+}
+
+// The same for sixteen lanes, a's first.
+inline uint32_t laneBits(uint32x4_t a, uint32x4_t b, uint32x4_t c,
+                         uint32x4_t d) {
+#if defined(__aarch64__)
+  // A byte a lane, weighted by its bit within each half.
+  const uint8x16_t bytes =
+      vuzp1q_u8(vreinterpretq_u8_u16(vuzp1q_u16(vreinterpretq_u16_u32(a),
+                                                vreinterpretq_u16_u32(b))),
+                vreinterpretq_u8_u16(vuzp1q_u16(vreinterpretq_u16_u32(c),
+                                                vreinterpretq_u16_u32(d))));
+  const uint8x16_t weights = {1, 2, 4, 8, 16, 32, 64, 128,
+                              1, 2, 4, 8, 16, 32, 64, 128};
+  const uint8x16_t weighted = vandq_u8(bytes, weights);
+  return vaddv_u8(vget_low_u8(weighted)) |
+         static_cast<uint32_t>(vaddv_u8(vget_high_u8(weighted))) << 8;
+#else
+  return laneBits(a) | laneBits(b) << 4 | laneBits(c) << 8 | laneBits(d) << 12;
+#endif
+}
+
+}  // namespace pavona
+
 #endif  // PAVONA_BASE_NEON_COMPAT_H_
