@@ -22,6 +22,8 @@ using pavona::internal::assignNearest_NEON;
 using pavona::internal::BoundedAssignment;
 using pavona::internal::gapMargins;
 using pavona::internal::GapMargins;
+using pavona::internal::kMaxBoundedCentres;
+using pavona::internal::kMeasureAtOnce;
 using pavona::internal::plainDistance;
 using pavona::internal::sampleBox_C;
 using pavona::internal::sampleBox_NEON;
@@ -342,7 +344,8 @@ int checkPasses(const PassCase& pc, std::mt19937& random, int grid) {
         gapMargins(box, pass > 0 ? last.data() : centres.data(), centres.data(),
                    k, held ? drift : 0);
     const bool bounded =
-        m.usable && k <= 20 && (held || (pass > 0 && m.settled));
+        m.usable && k <= kMaxBoundedCentres &&
+        (held || k >= kMeasureAtOnce || (pass > 0 && m.settled));
     for (int j = 0; held && bounded && j < count / 4 * 4; ++j)
       carried += twin.distance[j] > m.keep;
     if (bounded) {

@@ -30,26 +30,43 @@
 // largest shifts. C_p sums those over the passes up to p (double, rounded
 // up), and a gap measured in pass p is in pass q at least
 //   G_q >= G_p - (C_q - C_p).                                      (2)
-// Measure (pass p, in full): beside the nearest distance D_a keep the
-// second nearest D_2 = min_{i != a} D_i (the nearest so far when a centre
-// comes nearer, else the smaller of d and D_2 so far) and store
-//   H = fl(fl(fl(sqrt D_2) - fl(sqrt D_a)) + base),
+// Measure (pass p): against the centres measured, beside the nearest
+// distance D_b keep the second nearest D_2 (the nearest so far when a
+// centre comes nearer, else the smaller of d and D_2 so far), take
+// S = min(fl(sqrt D_2), L) with L a bound on the centres left out (below;
+// infinity when none is), and store
+//   H = fl(fl(S - fl(sqrt D_b)) + base),
 //   base = C_p - 16u (R + C_p) - 2^-60 rounded down.
-// By (1), sqrt being monotone, the difference is at most
-// G_p + 8.3u R + 2^-71 after its rounding, and the sum rounds by at most
-// u (1.01 R + C_p), so H <= G_p + C_p.
+// With S <= e_2 + 3.6u R + 2^-72 for the real second nearest e_2, by (1)
+// the difference is at most G_p + 8.3u R + 2^-71 after its rounding, and
+// the sum rounds by at most u (1.01 R + C_p), so H <= G_p + C_p.
 // Keep (pass q): keep = C_q + 16u R + 2^-60 rounded up. If H > keep, (2)
 // gives G_q > 16u R + 2^-60, every e_i >= e_a + 16u R + 2^-60, and by (1)
 // D_i > D_a for every i != a: the full evaluation, strict comparison and
 // ties alike, gives label a again. R < 2^36 keeps every D below kFar
 // (about 2^73.8), so the starting distance never decides. (With k = 1, D_2
 // is kFar and every label is 0 anyway.) A held H is read, never rewritten.
-// In full: the first pass and those before the centres settle (measuring
-// costs more than a plain pass), any pass with a centre or a sample not
-// finite or R too large, k > kMaxBoundedCentres, the tail (weighted), and
-// every sample with H not above keep, gathered four or eight at a time
-// through the compare-and-select chain of the body above, so its labels
-// are assignNearest's. A gap is only held from a bounded pass right before.
+// Candidates (samples whose H fails, by last label a): only centres near
+// c_a can be nearer. The spacing P_i = fl(fl(sqrt D(c_i, c_a)) (1 - 2^-20))
+// is by (1) at most |c_i - c_a| + 2^-72. A group takes the largest
+// U = fl(sqrt D_a) of its samples, at least e_a - 3.6u R - 2^-72 for each,
+// and T = fl(2U + E), E = 32u R + 2^-58 rounded up, so that
+// T >= 2U + E - u (2.01 R + E). A centre with P_i > T then has
+//   e_i >= |c_i - c_a| - e_a > e_a + 16u R + 2^-60,
+// and D_i > D_b as under Keep for the nearest b of the others, as a is
+// one of them (P_a = 0): the centres with P_i <= T, in order, give the full
+// evaluation's label. For those left out, with P their smallest spacing
+// and V = fl(fl(sqrt D_a) + F) >= e_a, F = 5u R + 2^-70 rounded up,
+//   L = fl(P - V) <= e_i + 2.01u R + 2^-72.
+// In full: below kMeasureAtOnce centres, the first pass and those before
+// the centres settle (measuring costs more than a plain pass); any pass
+// with a centre or a sample not finite or R too large, k >
+// kMaxBoundedCentres, and the tail (weighted). The first bounded pass
+// measures every centre; then each sample with H not above keep is
+// measured against its candidates, in groups of up to eight that share a
+// last label, filled in sample order and gathered through the
+// compare-and-select chain of the body above, so its labels are
+// assignNearest's. A gap is only held from a bounded pass right before.
 //
 // Reads count floats of each plane and k centres; writes only
 // nearest/labels[0 ... count-1] (gaps in place of nearest).
@@ -57,6 +74,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -185,28 +203,99 @@ void assignChunks(SamplePlanes samples, int body, const _Point* centres, int k,
   }
 }
 
-// The gap a full evaluation stores: (sqrt D_2 - sqrt D_a) + base.
-float32x4_t gapOf(float32x4_t best, float32x4_t second, float base) {
-  return vaddq_f32(vsubq_f32(vsqrtq_f32(second), vsqrtq_f32(best)),
-                   vdupq_n_f32(base));
+// Centre spacings of a pass: row a holds |c_i - c_a| for i < k as the
+// float distance computes it, times kBelow, then infinity to the end of
+// the row (a whole number of vectors).
+struct Spacing {
+  float row[kMaxBoundedCentres][kMaxBoundedCentres];
+};
+static_assert(kMaxBoundedCentres == 20, "rows are five vectors");
+
+// Keeps a spacing at most 2^-72 above the real one: see the opening
+// comment.
+constexpr float kBelow = 1 - 0x1p-20f;
+
+// Centres past k are infinite, so their spacings are too.
+void spaceCentres(const _Point* centres, int k, Spacing& spacing) {
+  float planes[3][kMaxBoundedCentres];
+  for (int i = 0; i < kMaxBoundedCentres; ++i) {
+    const _Point c = i < k ? centres[i] : _Point{INFINITY, INFINITY, INFINITY};
+    planes[0][i] = c.r;
+    planes[1][i] = c.g;
+    planes[2][i] = c.b;
+  }
+  for (int a = 0; a < k; ++a) {
+    const CentreVectors from = broadcast(centres[a]);
+    for (int i = 0; i < kMaxBoundedCentres; i += 4) {
+      const float32x4x3_t to = {{vld1q_f32(planes[0] + i),
+                                 vld1q_f32(planes[1] + i),
+                                 vld1q_f32(planes[2] + i)}};
+      vst1q_f32(spacing.row[a] + i,
+                vmulq_n_f32(vsqrtq_f32(distance(to, from)), kBelow));
+    }
+  }
 }
 
-// Blocks of four samples evaluated in full from kFar and label 0, keeping
-// the second nearest distance, into gap and label.
+void spaceCentres_C(const _Point* centres, int k, Spacing& spacing) {
+  for (int a = 0; a < k; ++a) {
+    for (int i = 0; i < kMaxBoundedCentres; ++i) {
+      spacing.row[a][i] =
+          i < k ? std::sqrt(plainDistance(centres[i], centres[a])) * kBelow
+                : INFINITY;
+    }
+  }
+}
+
+// The centres a group measures (bit i for centre i), and the smallest
+// spacing of those left out, infinity when none is.
+struct Candidates {
+  uint32_t mask;
+  float nearestLeftOut;
+};
+
+inline Candidates candidates(const float* row, float reach) {
+  const float32x4_t limit = vdupq_n_f32(reach);
+  const float32x4_t none = vdupq_n_f32(INFINITY);
+  uint32x4_t in[5];
+  float32x4_t nearest = none;
+  for (int v = 0; v < 5; ++v) {
+    const float32x4_t spacing = vld1q_f32(row + 4 * v);
+    in[v] = vcleq_f32(spacing, limit);
+    nearest = minNumbers(nearest, vbslq_f32(in[v], none, spacing));
+  }
+  return {laneBits(in[0], in[1], in[2], in[3]) | laneBits(in[4]) << 16,
+          minAcross(nearest)};
+}
+
+Candidates candidates_C(const float* row, float reach) {
+  Candidates c{0, INFINITY};
+  for (int i = 0; i < kMaxBoundedCentres; ++i) {
+    if (row[i] <= reach) {
+      c.mask |= 1u << i;
+    } else {
+      c.nearestLeftOut = std::min(c.nearestLeftOut, row[i]);
+    }
+  }
+  return c;
+}
+
+// Blocks of four samples evaluated against the centres in mask, in order,
+// from kFar and label 0, keeping the second nearest distance; the gap
+// takes the smaller of its square root and the bound on those left out.
 template <int kBlocks>
-void measure(const float32x4x3_t* s, const CentreVectors* centres, int k,
-             float base, float32x4_t* gap, int32x4_t* label) {
+void measure(const float32x4x3_t* s, const CentreVectors* centres,
+             uint32_t mask, float base, const float32x4_t* leftOut,
+             float32x4_t* gap, int32x4_t* label) {
   const float32x4_t far = vreinterpretq_f32_u8(vdupq_n_u8(kFarByte));
   float32x4_t best[kBlocks];
   float32x4_t second[kBlocks];
   for (int b = 0; b < kBlocks; ++b) {
-    const float32x4_t d = distance(s[b], centres[0]);
-    best[b] = vbslq_f32(vcltq_f32(d, far), d, far);
-    second[b] = far;
+    best[b] = second[b] = far;
     label[b] = vdupq_n_s32(0);
   }
-  int32x4_t index = vdupq_n_s32(1);
-  for (int i = 1; i < k; ++i) {
+  for (; mask != 0; mask &= mask - 1) {
+    const int i = __builtin_ctz(mask);
+    const int32x4_t index = vdupq_n_s32(i);
     for (int b = 0; b < kBlocks; ++b) {
       const float32x4_t d = distance(s[b], centres[i]);
       const uint32x4_t closer = vcltq_f32(d, best[b]);
@@ -216,106 +305,158 @@ void measure(const float32x4x3_t* s, const CentreVectors* centres, int k,
       best[b] = vbslq_f32(closer, d, best[b]);
       label[b] = vbslq_s32(closer, index, label[b]);
     }
-    index = vaddq_s32(index, vdupq_n_s32(1));
   }
-  for (int b = 0; b < kBlocks; ++b) gap[b] = gapOf(best[b], second[b], base);
-}
-
-// Samples j ... j + 4 kBlocks - 1 measured.
-template <int kBlocks>
-void measureBlocks(SamplePlanes samples, int j, const CentreVectors* centres,
-                   int k, float base, float* gaps, int* labels) {
-  float32x4x3_t s[kBlocks];
-  float32x4_t gap[kBlocks];
-  int32x4_t label[kBlocks];
-  for (int b = 0; b < kBlocks; ++b) s[b] = loadSamples(samples, j + 4 * b);
-  measure<kBlocks>(s, centres, k, base, gap, label);
   for (int b = 0; b < kBlocks; ++b) {
-    vst1q_f32(gaps + j + 4 * b, gap[b]);
-    vst1q_s32(labels + j + 4 * b, label[b]);
+    const float32x4_t near = minNumbers(vsqrtq_f32(second[b]), leftOut[b]);
+    gap[b] = vaddq_f32(vsubq_f32(near, vsqrtq_f32(best[b])), vdupq_n_f32(base));
   }
 }
 
-// Samples [0, last) measured, a pair of blocks at a time.
+// Samples [0, last) measured against every centre, a pair of blocks at a
+// time.
 void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
                  int k, float base, float* gaps, int* labels) {
+  const uint32_t all = (uint32_t{1} << k) - 1;
+  const float32x4_t none[2] = {vdupq_n_f32(INFINITY), vdupq_n_f32(INFINITY)};
   int j = 0;
-  for (; j + 8 <= last; j += 8)
-    measureBlocks<2>(samples, j, centres, k, base, gaps, labels);
-  for (; j < last; j += 4)
-    measureBlocks<1>(samples, j, centres, k, base, gaps, labels);
+  for (; j + 8 <= last; j += 8) {
+    const float32x4x3_t s[2] = {loadSamples(samples, j),
+                                loadSamples(samples, j + 4)};
+    float32x4_t gap[2];
+    int32x4_t label[2];
+    measure<2>(s, centres, all, base, none, gap, label);
+    for (int b = 0; b < 2; ++b) {
+      vst1q_f32(gaps + j + 4 * b, gap[b]);
+      vst1q_s32(labels + j + 4 * b, label[b]);
+    }
+  }
+  for (; j < last; j += 4) {
+    const float32x4x3_t s = loadSamples(samples, j);
+    float32x4_t gap;
+    int32x4_t label;
+    measure<1>(&s, centres, all, base, none, &gap, &label);
+    vst1q_f32(gaps + j, gap);
+    vst1q_s32(labels + j, label);
+  }
 }
 
-// Samples whose gaps failed, gathered eight at a time from scattered
-// blocks: near a cluster's border only some lanes of a block fail.
-class Remeasure {
+// Samples whose held gaps failed, in groups of up to eight with the same
+// last label, filled in the order the samples fail; measure(index, count,
+// label) takes a group, whose index array has room for eight.
+template <class Measure>
+class Groups {
  public:
-  Remeasure(SamplePlanes samples, const CentreVectors* centres, int k,
-            float base, float* gaps, int* labels)
+  Groups(const int* labels, Measure measure)
+      : labels_(labels), measure_(measure) {
+    for (int label = 0; label < kMaxBoundedCentres; ++label)
+      next_[label] = index_[label];
+  }
+
+  void add(int j) {
+    const int label = labels_[j];
+    int* next = next_[label];
+    *next++ = j;
+    // Each group's room ends where an aligned block of eight does.
+    if (reinterpret_cast<uintptr_t>(next) % sizeof index_[0] != 0) {
+      next_[label] = next;
+      return;
+    }
+    next_[label] = index_[label];
+    measure_(index_[label], 8, label);
+  }
+
+  // The groups left part full, by label.
+  void flush(int k) {
+    for (int label = 0; label < k; ++label) {
+      const int count = static_cast<int>(next_[label] - index_[label]);
+      if (count > 0) measure_(index_[label], count, label);
+    }
+  }
+
+ private:
+  const int* labels_;
+  Measure measure_;
+  alignas(sizeof(int[8])) int index_[kMaxBoundedCentres][8];
+  int* next_[kMaxBoundedCentres];
+};
+
+// Candidates for a group: twice its largest distance to the last centre
+// plus the margin; the others' spacings from that centre exceed it.
+float reachOf(float largestOwn, const GapMargins& margins) {
+  return 2 * largestOwn + margins.exclude;
+}
+
+// A group measured four lanes at a time, gathered from where its samples
+// are; lanes past count repeat the last sample.
+class GroupMeasure {
+ public:
+  GroupMeasure(SamplePlanes samples, const CentreVectors* centres,
+               const Spacing& spacing, const GapMargins& margins, float* gaps,
+               int* labels)
       : samples_(samples),
         centres_(centres),
-        k_(k),
-        base_(base),
+        spacing_(spacing),
+        margins_(margins),
         gaps_(gaps),
         labels_(labels) {}
 
-  // The block at j, whose lanes kept (all bits set) or not. Appending is
-  // branch-free: which lanes fail is hard to predict.
-  void block(int j, uint32x4_t kept) {
-    uint32_t lanes[4];
-    vst1q_u32(lanes, kept);
-    for (int l = 0; l < 4; ++l) {
-      index_[count_] = j + l;
-      count_ += lanes[l] == 0;
-    }
-    if (count_ >= 8) {
-      measureLanes<2>();
-      count_ -= 8;
-      for (int l = 0; l < count_; ++l) index_[l] = index_[l + 8];
-    }
-  }
-
-  // Measures what is left, repeating the last index to fill the lanes.
-  void flush() {
-    if (count_ == 0) return;
-    const int lanes = count_ > 4 ? 8 : 4;
-    for (int l = count_; l < lanes; ++l) index_[l] = index_[count_ - 1];
+  void operator()(int* index, int count, int label) const {
+    const int lanes = count > 4 ? 8 : 4;
+    for (int l = count; l < lanes; ++l) index[l] = index[count - 1];
     if (lanes == 8) {
-      measureLanes<2>();
+      measureLanes<2>(index, label);
     } else {
-      measureLanes<1>();
+      measureLanes<1>(index, label);
     }
-    count_ = 0;
   }
 
  private:
   SamplePlanes samples_;
   const CentreVectors* centres_;
-  int k_;
-  float base_;
+  const Spacing& spacing_;
+  const GapMargins& margins_;
   float* gaps_;
   int* labels_;
-  // Up to seven left over and the four lanes of the next block: two
-  // blocks of lanes go through the centres together, as in the body.
-  int index_[12] = {};
-  int count_ = 0;
+
+  // Lane by lane into the registers: a vector load of lanes just stored
+  // one at a time would wait for the stores on x86.
+  float32x4x3_t gather(const int* index) const {
+    float32x4x3_t s;
+    s.val[0] = vld1q_dup_f32(samples_.r + index[0]);
+    s.val[1] = vld1q_dup_f32(samples_.g + index[0]);
+    s.val[2] = vld1q_dup_f32(samples_.b + index[0]);
+    s.val[0] = vld1q_lane_f32(samples_.r + index[1], s.val[0], 1);
+    s.val[1] = vld1q_lane_f32(samples_.g + index[1], s.val[1], 1);
+    s.val[2] = vld1q_lane_f32(samples_.b + index[1], s.val[2], 1);
+    s.val[0] = vld1q_lane_f32(samples_.r + index[2], s.val[0], 2);
+    s.val[1] = vld1q_lane_f32(samples_.g + index[2], s.val[1], 2);
+    s.val[2] = vld1q_lane_f32(samples_.b + index[2], s.val[2], 2);
+    s.val[0] = vld1q_lane_f32(samples_.r + index[3], s.val[0], 3);
+    s.val[1] = vld1q_lane_f32(samples_.g + index[3], s.val[1], 3);
+    s.val[2] = vld1q_lane_f32(samples_.b + index[3], s.val[2], 3);
+    return s;
+  }
 
   template <int kBlocks>
-  void measureLanes() {
-    float channel[kBlocks][3][4];
+  void measureLanes(const int* index, int last) const {
     float32x4x3_t s[kBlocks];
+    float32x4_t own[kBlocks];
     for (int b = 0; b < kBlocks; ++b) {
-      for (int l = 0; l < 4; ++l) {
-        channel[b][0][l] = samples_.r[index_[4 * b + l]];
-        channel[b][1][l] = samples_.g[index_[4 * b + l]];
-        channel[b][2][l] = samples_.b[index_[4 * b + l]];
-      }
-      s[b] = {{vld1q_f32(channel[b][0]), vld1q_f32(channel[b][1]),
-               vld1q_f32(channel[b][2])}};
+      s[b] = gather(index + 4 * b);
+      own[b] = vsqrtq_f32(distance(s[b], centres_[last]));
+    }
+    float32x4_t largest = own[0];
+    for (int b = 1; b < kBlocks; ++b) largest = maxNumbers(largest, own[b]);
+    const Candidates c =
+        candidates(spacing_.row[last], reachOf(maxAcross(largest), margins_));
+    float32x4_t leftOut[kBlocks];
+    for (int b = 0; b < kBlocks; ++b) {
+      leftOut[b] = vsubq_f32(vdupq_n_f32(c.nearestLeftOut),
+                             vaddq_f32(own[b], vdupq_n_f32(margins_.slack)));
     }
     float32x4_t gap[kBlocks];
     int32x4_t label[kBlocks];
-    measure<kBlocks>(s, centres_, k_, base_, gap, label);
+    measure<kBlocks>(s, centres_, c.mask, margins_.base, leftOut, gap, label);
     float gapLanes[4 * kBlocks];
     int labelLanes[4 * kBlocks];
     for (int b = 0; b < kBlocks; ++b) {
@@ -323,8 +464,8 @@ class Remeasure {
       vst1q_s32(labelLanes + 4 * b, label[b]);
     }
     for (int l = 0; l < 4 * kBlocks; ++l) {
-      gaps_[index_[l]] = gapLanes[l];
-      labels_[index_[l]] = labelLanes[l];
+      gaps_[index[l]] = gapLanes[l];
+      labels_[index[l]] = labelLanes[l];
     }
   }
 };
@@ -332,30 +473,37 @@ class Remeasure {
 // Samples whose held gaps are above keep keep their labels; the others
 // are measured again. Pairs of blocks are tested with one reduction.
 void carryBody(SamplePlanes samples, int last, const CentreVectors* centres,
-               int k, const GapMargins& margins, float* gaps, int* labels) {
+               int k, const Spacing& spacing, const GapMargins& margins,
+               float* gaps, int* labels) {
   const float32x4_t keep = vdupq_n_f32(margins.keep);
-  Remeasure remeasure(samples, centres, k, margins.base, gaps, labels);
+  Groups<GroupMeasure> groups(
+      labels, GroupMeasure(samples, centres, spacing, margins, gaps, labels));
+  const auto add = [&](int j, uint32_t lanes) {
+    for (; lanes != 0; lanes &= lanes - 1) groups.add(j + __builtin_ctz(lanes));
+  };
+  // Held gaps are finite, so not above keep is at most keep.
   int j = 0;
   for (; j + 8 <= last; j += 8) {
-    const uint32x4_t a = vcgtq_f32(vld1q_f32(gaps + j), keep);
-    const uint32x4_t b = vcgtq_f32(vld1q_f32(gaps + j + 4), keep);
-    if (vminvq_u32(vandq_u32(a, b)) != 0) continue;
-    remeasure.block(j, a);
-    remeasure.block(j + 4, b);
+    const uint32x4_t a = vcleq_f32(vld1q_f32(gaps + j), keep);
+    const uint32x4_t b = vcleq_f32(vld1q_f32(gaps + j + 4), keep);
+    if (!anyLane(vorrq_u32(a, b))) continue;
+    add(j, laneBits(a) | laneBits(b) << 4);
   }
-  if (j < last) remeasure.block(j, vcgtq_f32(vld1q_f32(gaps + j), keep));
-  remeasure.flush();
+  if (j < last) add(j, laneBits(vcleq_f32(vld1q_f32(gaps + j), keep)));
+  groups.flush(k);
 }
 
 // Scalar twin of measure, for sample j.
-void measure_C(const _Point* samples, int j, const _Point* centres, int k,
-               float base, float* gaps, int* labels) {
+void measure_C(const _Point* samples, int j, const _Point* centres,
+               uint32_t mask, float base, float leftOut, float* gaps,
+               int* labels) {
   float far;
   std::memset(&far, kFarByte, sizeof far);
   float best = far;
   float second = far;
   int label = 0;
-  for (int i = 0; i < k; ++i) {
+  for (; mask != 0; mask &= mask - 1) {
+    const int i = __builtin_ctz(mask);
     const float d = plainDistance(samples[j], centres[i]);
     if (d < best) {
       second = best;
@@ -365,8 +513,27 @@ void measure_C(const _Point* samples, int j, const _Point* centres, int k,
       second = d;
     }
   }
-  gaps[j] = (std::sqrt(second) - std::sqrt(best)) + base;
+  gaps[j] = (std::min(std::sqrt(second), leftOut) - std::sqrt(best)) + base;
   labels[j] = label;
+}
+
+// Scalar twin of GroupMeasure.
+void measureGroup_C(const _Point* samples, const _Point* centres,
+                    const Spacing& spacing, const GapMargins& margins,
+                    const int* index, int count, int last, float* gaps,
+                    int* labels) {
+  float own[8];
+  float largest = 0;
+  for (int l = 0; l < count; ++l) {
+    own[l] = std::sqrt(plainDistance(samples[index[l]], centres[last]));
+    largest = std::max(largest, own[l]);
+  }
+  const Candidates c =
+      candidates_C(spacing.row[last], reachOf(largest, margins));
+  for (int l = 0; l < count; ++l) {
+    measure_C(samples, index[l], centres, c.mask, margins.base,
+              c.nearestLeftOut - (own[l] + margins.slack), gaps, labels);
+  }
 }
 
 // The tail as assignNearest leaves it.
@@ -489,9 +656,13 @@ GapMargins gapMargins(const SampleBox& box, const _Point* last,
   usable = usable && reachAll < 0x1p36;
   const double drifted = (drift + top1 + top2) * kSlack;
   const double margin = 16 * kU * reachAll + 0x1p-60;
-  return {usable, top1 + top2 < reachAll * kSettled, drifted,
+  return {usable,
+          top1 + top2 < reachAll * kSettled,
+          drifted,
           roundUp((drifted + margin) * kSlack),
-          roundDown(drifted - margin - 16 * kU * drifted)};
+          roundDown(drifted - margin - 16 * kU * drifted),
+          roundUp((32 * kU * reachAll + 0x1p-58) * kSlack),
+          roundUp((5 * kU * reachAll + 0x1p-70) * kSlack)};
 }
 
 SamplePlanes splitSamples_NEON(const _Point* samples, int count,
@@ -556,7 +727,9 @@ void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
   for (int i = 0; i < k; ++i) vectors[i] = broadcast(centres[i]);
   const int body = count / 4 * 4;
   if (held) {
-    carryBody(samples, body, vectors, k, margins, gaps, labels);
+    Spacing spacing;
+    spaceCentres(centres, k, spacing);
+    carryBody(samples, body, vectors, k, spacing, margins, gaps, labels);
   } else {
     measureBody(samples, body, vectors, k, margins.base, gaps, labels);
   }
@@ -568,9 +741,21 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                      int k, const GapMargins& margins, bool held, float* gaps,
                      int* labels) {
   const int body = count / 4 * 4;
-  for (int j = 0; j < body; ++j) {
-    if (!held || !(gaps[j] > margins.keep))
-      measure_C(samples, j, centres, k, margins.base, gaps, labels);
+  if (held) {
+    Spacing spacing;
+    spaceCentres_C(centres, k, spacing);
+    Groups groups(labels, [&](const int* index, int n, int last) {
+      measureGroup_C(samples, centres, spacing, margins, index, n, last, gaps,
+                     labels);
+    });
+    for (int j = 0; j < body; ++j) {
+      if (!(gaps[j] > margins.keep)) groups.add(j);
+    }
+    groups.flush(k);
+  } else {
+    const uint32_t all = (uint32_t{1} << k) - 1;
+    for (int j = 0; j < body; ++j)
+      measure_C(samples, j, centres, all, margins.base, INFINITY, gaps, labels);
   }
   assignTailFromFar([&](int j) { return samples[j]; }, body, count, centres, k,
                     gaps, labels);
@@ -590,9 +775,10 @@ void BoundedAssignment::assign(const _Point* centres, int k) {
                                  ? gapMargins(box_, started_ ? last_ : centres,
                                               centres, k, held_ ? drift_ : 0)
                                  : GapMargins{};
-  // Measuring costs more than a plain pass: it waits for settled centres.
-  const bool bounded =
-      margins.usable && (held_ || (started_ && margins.settled));
+  // Measuring costs more than a plain pass: with few centres it waits for
+  // settled centres.
+  const bool bounded = margins.usable && (held_ || k >= kMeasureAtOnce ||
+                                          (started_ && margins.settled));
   if (bounded) {
     assignBounded_NEON(planes_, count_, centres, k, margins, held_, gaps_,
                        labels_);

@@ -67,6 +67,10 @@ void assignNearest_C(const _Point* samples, int count, const _Point* centres,
 // Centres the bounded assignment takes; larger k evaluates in full.
 constexpr int kMaxBoundedCentres = 20;
 
+// From this many centres the first usable pass already measures: a sample
+// that fails its gap then costs little beside k distances.
+constexpr int kMeasureAtOnce = 16;
+
 // Smallest box holding every sample, or NaN corners when a sample is not
 // finite (then no pass can be bounded).
 struct SampleBox {
@@ -96,6 +100,12 @@ struct GapMargins {
   float keep = 0;
   // Added to a gap measured this pass.
   float base = 0;
+  // Added to twice a sample's distance to its last centre: centres spaced
+  // farther than that from the last one cannot be nearest.
+  float exclude = 0;
+  // Added to a sample's distance to its last centre: a bound on the real
+  // distance.
+  float slack = 0;
 };
 
 // Margins for a pass from centres `last` to `centres` after `drift`.
@@ -105,8 +115,10 @@ GapMargins gapMargins(const SampleBox& box, const _Point* last,
 // The assignment of assignNearest_NEON for 1 <= k <= kMaxBoundedCentres
 // and usable margins, writing gaps where it writes nearest (gaps and
 // distances for the count mod 4 tail, which is always evaluated). With
-// `held` the gaps and labels of the last pass are read first and a sample
-// whose gap is above margins.keep keeps its label and its gap.
+// `held` the gaps and labels of the last pass are read first: a sample
+// whose gap is above margins.keep keeps its label and its gap, and the
+// others are measured again against the centres near their last one, in
+// groups of up to eight with the same last label, in the order they fail.
 void assignBounded_NEON(SamplePlanes samples, int count, const _Point* centres,
                         int k, const GapMargins& margins, bool held,
                         float* gaps, int* labels);
@@ -117,8 +129,9 @@ void assignBounded_C(const _Point* samples, int count, const _Point* centres,
                      int k, const GapMargins& margins, bool held, float* gaps,
                      int* labels);
 
-// One call's passes: the first evaluates in full; gaps are measured once
-// the centres settle and held while the margins allow.
+// One call's passes: gaps are measured once the centres settle (from the
+// first pass for kMeasureAtOnce centres or more) and held while the
+// margins allow.
 class BoundedAssignment {
  public:
   BoundedAssignment(SamplePlanes planes, int count, float* gaps, int* labels);
