@@ -65,6 +65,15 @@ inline uint32_t laneBits(uint32x4_t m) {
 #endif
 }
 
+// Whether every lane of the comparison mask m is set.
+inline bool allLanes(uint32x4_t m) {
+#if defined(__aarch64__)
+  return vminvq_u32(m) != 0;
+#else
+  return laneBits(m) == 0xf;
+#endif
+}
+
 // Whether any lane of the comparison mask m is set.
 inline bool anyLane(uint32x4_t m) {
 #if defined(__aarch64__)

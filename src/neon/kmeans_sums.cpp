@@ -12,7 +12,7 @@ namespace pavona::internal {
 namespace {
 
 bool sameLabels(const int* labels, int32x4_t label) {
-  return vminvq_u32(vceqq_s32(vld1q_s32(labels), label)) != 0;
+  return allLanes(vceqq_s32(vld1q_s32(labels), label));
 }
 
 float32x4_t addSample(float32x4_t sum, const _Point* sample) {
