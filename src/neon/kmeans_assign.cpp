@@ -282,10 +282,13 @@ Candidates candidates_C(const float* row, float reach) {
 // Blocks of four samples evaluated against the centres in mask, in order,
 // from kFar and label 0, keeping the second nearest distance; the gap
 // takes the smaller of its square root and the bound on those left out.
+// Centre `known` (or none, -1) takes its distances from knownDistance: a
+// group has them already from choosing its candidates.
 template <int kBlocks>
 void measure(const float32x4x3_t* s, const CentreVectors* centres,
-             uint32_t mask, float base, const float32x4_t* leftOut,
-             float32x4_t* gap, int32x4_t* label) {
+             uint32_t mask, int known, const float32x4_t* knownDistance,
+             float base, const float32x4_t* leftOut, float32x4_t* gap,
+             int32x4_t* label) {
   const float32x4_t far = vreinterpretq_f32_u8(vdupq_n_u8(kFarByte));
   float32x4_t best[kBlocks];
   float32x4_t second[kBlocks];
@@ -297,7 +300,8 @@ void measure(const float32x4x3_t* s, const CentreVectors* centres,
     const int i = __builtin_ctz(mask);
     const int32x4_t index = vdupq_n_s32(i);
     for (int b = 0; b < kBlocks; ++b) {
-      const float32x4_t d = distance(s[b], centres[i]);
+      const float32x4_t d =
+          i == known ? knownDistance[b] : distance(s[b], centres[i]);
       const uint32x4_t closer = vcltq_f32(d, best[b]);
       const float32x4_t other =
           vbslq_f32(vcltq_f32(d, second[b]), d, second[b]);
@@ -324,7 +328,7 @@ void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
                                 loadSamples(samples, j + 4)};
     float32x4_t gap[2];
     int32x4_t label[2];
-    measure<2>(s, centres, all, base, none, gap, label);
+    measure<2>(s, centres, all, -1, none, base, none, gap, label);
     for (int b = 0; b < 2; ++b) {
       vst1q_f32(gaps + j + 4 * b, gap[b]);
       vst1q_s32(labels + j + 4 * b, label[b]);
@@ -334,7 +338,7 @@ void measureBody(SamplePlanes samples, int last, const CentreVectors* centres,
     const float32x4x3_t s = loadSamples(samples, j);
     float32x4_t gap;
     int32x4_t label;
-    measure<1>(&s, centres, all, base, none, &gap, &label);
+    measure<1>(&s, centres, all, -1, none, base, none, &gap, &label);
     vst1q_f32(gaps + j, gap);
     vst1q_s32(labels + j, label);
   }
@@ -440,10 +444,12 @@ class GroupMeasure {
   template <int kBlocks>
   void measureLanes(const int* index, int last) const {
     float32x4x3_t s[kBlocks];
+    float32x4_t ownDistance[kBlocks];
     float32x4_t own[kBlocks];
     for (int b = 0; b < kBlocks; ++b) {
       s[b] = gather(index + 4 * b);
-      own[b] = vsqrtq_f32(distance(s[b], centres_[last]));
+      ownDistance[b] = distance(s[b], centres_[last]);
+      own[b] = vsqrtq_f32(ownDistance[b]);
     }
     float32x4_t largest = own[0];
     for (int b = 1; b < kBlocks; ++b) largest = maxNumbers(largest, own[b]);
@@ -456,7 +462,8 @@ class GroupMeasure {
     }
     float32x4_t gap[kBlocks];
     int32x4_t label[kBlocks];
-    measure<kBlocks>(s, centres_, c.mask, margins_.base, leftOut, gap, label);
+    measure<kBlocks>(s, centres_, c.mask, last, ownDistance, margins_.base,
+                     leftOut, gap, label);
     float gapLanes[4 * kBlocks];
     int labelLanes[4 * kBlocks];
     for (int b = 0; b < kBlocks; ++b) {
