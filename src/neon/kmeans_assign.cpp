@@ -613,7 +613,7 @@ SampleBox sampleBox_NEON(SamplePlanes samples, int count) {
     out[1][c] = std::max({lanes[1][0], lanes[1][1], lanes[1][2], lanes[1][3]});
   }
   SampleBox box{corner[0], corner[1]};
-  bool finiteAll = vmaxvq_u32(special) == 0;
+  bool finiteAll = !anyLane(special);
   for (; j < count; ++j) {
     const _Point p = sampleAt(samples, j);
     finiteAll = finiteAll && finite(p);
