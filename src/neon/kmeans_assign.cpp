@@ -283,7 +283,8 @@ Candidates candidates_C(const float* row, float reach) {
 // from kFar and label 0, keeping the second nearest distance; the gap
 // takes the smaller of its square root and the bound on those left out.
 // Centre `known` (or none, -1) takes its distances from knownDistance: a
-// group has them already from choosing its candidates.
+// group has them already from choosing its candidates. Bounded passes have
+// finite distances only, so a minimum keeps the nearer of two.
 template <int kBlocks>
 void measure(const float32x4x3_t* s, const CentreVectors* centres,
              uint32_t mask, int known, const float32x4_t* knownDistance,
@@ -303,10 +304,8 @@ void measure(const float32x4x3_t* s, const CentreVectors* centres,
       const float32x4_t d =
           i == known ? knownDistance[b] : distance(s[b], centres[i]);
       const uint32x4_t closer = vcltq_f32(d, best[b]);
-      const float32x4_t other =
-          vbslq_f32(vcltq_f32(d, second[b]), d, second[b]);
-      second[b] = vbslq_f32(closer, best[b], other);
-      best[b] = vbslq_f32(closer, d, best[b]);
+      second[b] = vbslq_f32(closer, best[b], minNumbers(d, second[b]));
+      best[b] = minNumbers(d, best[b]);
       label[b] = vbslq_s32(closer, index, label[b]);
     }
   }
@@ -478,25 +477,23 @@ class GroupMeasure {
 };
 
 // Samples whose held gaps are above keep keep their labels; the others
-// are measured again. Pairs of blocks are tested with one reduction.
+// are measured again.
 void carryBody(SamplePlanes samples, int last, const CentreVectors* centres,
                int k, const Spacing& spacing, const GapMargins& margins,
                float* gaps, int* labels) {
   const float32x4_t keep = vdupq_n_f32(margins.keep);
   Groups<GroupMeasure> groups(
       labels, GroupMeasure(samples, centres, spacing, margins, gaps, labels));
-  const auto add = [&](int j, uint32_t lanes) {
-    for (; lanes != 0; lanes &= lanes - 1) groups.add(j + __builtin_ctz(lanes));
-  };
+  SetLanes failed([&](int j) { groups.add(j); });
   // Held gaps are finite, so not above keep is at most keep.
   int j = 0;
   for (; j + 8 <= last; j += 8) {
-    const uint32x4_t a = vcleq_f32(vld1q_f32(gaps + j), keep);
-    const uint32x4_t b = vcleq_f32(vld1q_f32(gaps + j + 4), keep);
-    if (!anyLane(vorrq_u32(a, b))) continue;
-    add(j, laneBits(a) | laneBits(b) << 4);
+    failed.add(vcleq_f32(vld1q_f32(gaps + j), keep),
+               vcleq_f32(vld1q_f32(gaps + j + 4), keep), j);
   }
-  if (j < last) add(j, laneBits(vcleq_f32(vld1q_f32(gaps + j), keep)));
+  if (j < last)
+    failed.add(vcleq_f32(vld1q_f32(gaps + j), keep), vdupq_n_u32(0), j);
+  failed.finish();
   groups.flush(k);
 }
 
