@@ -103,11 +103,33 @@ inline uint32_t laneBits(uint32x4_t a, uint32x4_t b, uint32x4_t c,
 #endif
 }
 
+#if !defined(__aarch64__)
+// The set lanes of each eight-lane mask, in order, and how many.
+struct Lanes {
+  uint8_t lane[8];
+  int count;
+};
+struct SetLanesTable {
+  Lanes of[256];
+};
+constexpr SetLanesTable setLanesTable() {
+  SetLanesTable t{};
+  for (int bits = 0; bits < 256; ++bits) {
+    for (int l = 0; l < 8; ++l) {
+      if (bits >> l & 1)
+        t.of[bits].lane[t.of[bits].count++] = static_cast<uint8_t>(l);
+    }
+  }
+  return t;
+}
+inline constexpr SetLanesTable kSetLanes = setLanesTable();
+#endif
+
 // Calls visit(first + l) for each set lane l of the eight-lane masks a, b
 // (lanes 0 to 3, then 4 to 7) given to add, in order. A64 visits the set
-// lanes at once, for the fewest instructions. x86 lists them without a
-// branch on the mask, where one would mispredict, and visits a batch at a
-// time; finish visits the rest.
+// lanes at once, for the fewest instructions. x86 copies a mask's set
+// lanes from a table, with no branch on the mask where one would
+// mispredict, and visits a batch at a time; finish visits the rest.
 template <class Visit>
 class SetLanes {
  public:
@@ -128,11 +150,19 @@ class SetLanes {
   Visit visit_;
 #else
   void add(uint32x4_t a, uint32x4_t b, int first) {
-    const uint32_t bits = laneBits(a) | laneBits(b) << 4;
-    for (int l = 0; l < 8; ++l) {
-      listed_[count_] = first + l;
-      count_ += static_cast<int>(bits >> l & 1);
-    }
+    const Lanes& set = kSetLanes.of[laneBits(a) | laneBits(b) << 4];
+    const __m128i lanes = _mm_unpacklo_epi8(
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(set.lane)),
+        _mm_setzero_si128());
+    const __m128i from = _mm_set1_epi32(first);
+    int* out = listed_ + count_;
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(out),
+        _mm_add_epi32(_mm_unpacklo_epi16(lanes, _mm_setzero_si128()), from));
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(out + 4),
+        _mm_add_epi32(_mm_unpackhi_epi16(lanes, _mm_setzero_si128()), from));
+    count_ += set.count;
     if (count_ > kBatch - 8) finish();
   }
 
