@@ -16,6 +16,7 @@ static inline float32x4_t vsqrtq_f32(float32x4_t v) {
 }
 #endif
 
+#include <cstddef>
 #include <cstdint>
 
 namespace pavona {
@@ -107,7 +108,7 @@ inline uint32_t laneBits(uint32x4_t a, uint32x4_t b, uint32x4_t c,
 // The set lanes of each eight-lane mask, in order, and how many.
 struct Lanes {
   uint8_t lane[8];
-  int count;
+  std::size_t count;
 };
 struct SetLanesTable {
   Lanes of[256];
@@ -167,15 +168,17 @@ class SetLanes {
   }
 
   void finish() {
-    for (int i = 0; i < count_; ++i) visit_(listed_[i]);
+    for (std::size_t i = 0; i < count_; ++i) visit_(listed_[i]);
     count_ = 0;
   }
 
  private:
-  static constexpr int kBatch = 256;
+  static constexpr std::size_t kBatch = 256;
   Visit visit_;
   int listed_[kBatch];
-  int count_ = 0;
+  // Not an int, which the stores to listed_ could alias: so it stays in a
+  // register.
+  std::size_t count_ = 0;
 #endif
 };
 
