@@ -104,6 +104,22 @@ inline uint32_t laneBits(uint32x4_t a, uint32x4_t b, uint32x4_t c,
 #endif
 }
 
+// Lanes base[index[0]] ... base[index[3]], loaded into the registers (a
+// vector load of lanes just stored would wait for the stores on x86). A64
+// loads each into its lane; SSE2 has no lane load, and its own build of a
+// vector from four scalars is shorter than SIMDe's lane by lane.
+inline float32x4_t gatherLanes(const float* base, const int* index) {
+#if defined(__aarch64__)
+  float32x4_t v = vld1q_dup_f32(base + index[0]);
+  v = vld1q_lane_f32(base + index[1], v, 1);
+  v = vld1q_lane_f32(base + index[2], v, 2);
+  return vld1q_lane_f32(base + index[3], v, 3);
+#else
+  return simde_float32x4_from_m128(_mm_setr_ps(base[index[0]], base[index[1]],
+                                               base[index[2]], base[index[3]]));
+#endif
+}
+
 #if !defined(__aarch64__)
 // The set lanes of each eight-lane mask, in order, and how many.
 struct Lanes {

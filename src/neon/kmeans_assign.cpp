@@ -421,23 +421,9 @@ class GroupMeasure {
   float* gaps_;
   int* labels_;
 
-  // Lane by lane into the registers: a vector load of lanes just stored
-  // one at a time would wait for the stores on x86.
   float32x4x3_t gather(const int* index) const {
-    float32x4x3_t s;
-    s.val[0] = vld1q_dup_f32(samples_.r + index[0]);
-    s.val[1] = vld1q_dup_f32(samples_.g + index[0]);
-    s.val[2] = vld1q_dup_f32(samples_.b + index[0]);
-    s.val[0] = vld1q_lane_f32(samples_.r + index[1], s.val[0], 1);
-    s.val[1] = vld1q_lane_f32(samples_.g + index[1], s.val[1], 1);
-    s.val[2] = vld1q_lane_f32(samples_.b + index[1], s.val[2], 1);
-    s.val[0] = vld1q_lane_f32(samples_.r + index[2], s.val[0], 2);
-    s.val[1] = vld1q_lane_f32(samples_.g + index[2], s.val[1], 2);
-    s.val[2] = vld1q_lane_f32(samples_.b + index[2], s.val[2], 2);
-    s.val[0] = vld1q_lane_f32(samples_.r + index[3], s.val[0], 3);
-    s.val[1] = vld1q_lane_f32(samples_.g + index[3], s.val[1], 3);
-    s.val[2] = vld1q_lane_f32(samples_.b + index[3], s.val[2], 3);
-    return s;
+    return {{gatherLanes(samples_.r, index), gatherLanes(samples_.g, index),
+             gatherLanes(samples_.b, index)}};
   }
 
   template <int kBlocks>
