@@ -54,6 +54,18 @@ inline float maxAcross(float32x4_t v) {
 }
 #endif
 
+// The smaller of a and b, lane by lane, or b where a is a quiet NaN; for b
+// never NaN, and no zeros of both signs. A64's minimum of numbers does
+// that in one instruction, as SSE's minimum does, which returns its second
+// operand where the first is NaN.
+inline float32x4_t minOrSecond(float32x4_t a, float32x4_t b) {
+#if defined(__aarch64__)
+  return vminnmq_f32(a, b);
+#else
+  return minNumbers(a, b);
+#endif
+}
+
 // Bit l set where lane l of the comparison mask m is (SSE2 reads the top
 // bit of each lane, A64 adds the lanes' weights).
 inline uint32_t laneBits(uint32x4_t m) {

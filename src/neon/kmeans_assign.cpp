@@ -135,7 +135,7 @@ void assignBlocks(SamplePlanes samples, int first, int last,
       s[b] = loadSamples(samples, j + 4 * b);
       if constexpr (kFromFar) {
         const float32x4_t d = distance(s[b], centres[0]);
-        best[b] = vbslq_f32(vcltq_f32(d, far), d, far);
+        best[b] = minOrSecond(d, far);
         label[b] = vdupq_n_s32(0);
       } else {
         best[b] = vld1q_f32(nearest + j + 4 * b);
@@ -148,7 +148,7 @@ void assignBlocks(SamplePlanes samples, int first, int last,
       for (int b = 0; b < kBlocks; ++b) {
         const float32x4_t d = distance(s[b], centres[i]);
         const uint32x4_t closer = vcltq_f32(d, best[b]);
-        best[b] = vbslq_f32(closer, d, best[b]);
+        best[b] = minOrSecond(d, best[b]);
         label[b] = vbslq_s32(closer, index, label[b]);
       }
       index = vaddq_s32(index, vdupq_n_s32(1));
@@ -577,11 +577,13 @@ SampleBox sampleBox_NEON(SamplePlanes samples, int count) {
   const float* plane[3] = {samples.r, samples.g, samples.b};
   for (int c = 0; c < 3; ++c) low[c] = high[c] = vdupq_n_f32(plane[c][0]);
   int j = 0;
+  // A sample not finite discards the whole box, so the minima and maxima
+  // need not agree across targets on NaNs, nor on the sign of a zero.
   for (; j + 4 <= count; j += 4) {
     for (int c = 0; c < 3; ++c) {
       const float32x4_t v = vld1q_f32(plane[c] + j);
-      low[c] = vbslq_f32(vcltq_f32(v, low[c]), v, low[c]);
-      high[c] = vbslq_f32(vcgtq_f32(v, high[c]), v, high[c]);
+      low[c] = minNumbers(v, low[c]);
+      high[c] = maxNumbers(v, high[c]);
       const uint32x4_t bits = vandq_u32(vreinterpretq_u32_f32(v), exponent);
       special = vorrq_u32(special, vceqq_u32(bits, exponent));
     }
