@@ -588,16 +588,8 @@ SampleBox sampleBox_NEON(SamplePlanes samples, int count) {
       special = vorrq_u32(special, vceqq_u32(bits, exponent));
     }
   }
-  _Point corner[2];
-  float* out[2] = {&corner[0].r, &corner[1].r};
-  for (int c = 0; c < 3; ++c) {
-    float lanes[2][4];
-    vst1q_f32(lanes[0], low[c]);
-    vst1q_f32(lanes[1], high[c]);
-    out[0][c] = std::min({lanes[0][0], lanes[0][1], lanes[0][2], lanes[0][3]});
-    out[1][c] = std::max({lanes[1][0], lanes[1][1], lanes[1][2], lanes[1][3]});
-  }
-  SampleBox box{corner[0], corner[1]};
+  SampleBox box{{minAcross(low[0]), minAcross(low[1]), minAcross(low[2])},
+                {maxAcross(high[0]), maxAcross(high[1]), maxAcross(high[2])}};
   bool finiteAll = !anyLane(special);
   for (; j < count; ++j) {
     const _Point p = sampleAt(samples, j);
