@@ -120,8 +120,12 @@ TEST(FrameInfo, EveryFailureReportsItsStatusWithNoRows) {
     EXPECT_EQ(std::memcmp(&spoilt, &before, sizeof before), 0) << c.what;
     for (const std::string& text : c.err) {
       EXPECT_THAT(out.err, HasSubstr(text)) << c.what;
+    }
+    // Refused before the engine, a missing image prints neither.
+    if (!c.err.empty()) {
       EXPECT_THAT(out.out,
-                  HasSubstr("pavonaProcess() pavona_process succeeded!\n \n"));
+                  HasSubstr("pavonaProcess() pavona_process succeeded!\n \n"))
+          << c.what;
     }
     const PavonaFrameInfo info = frameInfo(handle.get());
     EXPECT_EQ(info.status, STATUS_INVALID_ARGUMENT) << c.what;
